@@ -1,0 +1,140 @@
+#include "app/AppDelegate.h"
+
+#include "app/DefaultKeys.h"
+#include "app/Notifications.h"
+#include "catalogue/LoadRestaurantsOperation.h"
+#include "catalogue/Restaurants.h"
+#include "platform/Dispatch.h"
+#include "platform/Localize.h"
+#include "platform/Logging.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Paths.h"
+#include "platform/UserDefaults.h"
+
+#include <QPointer>
+
+namespace {
+QPointer<AppDelegate> globalDelegate;
+}
+
+AppDelegate::AppDelegate(QObject *parent)
+    : QObject(parent)
+    // Creating the shared catalogue loads it synchronously, before any screen exists.
+    , m_restaurants(Restaurants::shared())
+{
+}
+
+AppDelegate::~AppDelegate()
+{
+    if (m_fileSharingQueue)
+        m_fileSharingQueue->cancelAllOperations();
+}
+
+AppDelegate *AppDelegate::global() { return globalDelegate.data(); }
+
+bool AppDelegate::didFinishLaunching()
+{
+    globalDelegate = this;
+
+    // Registered defaults; the catalogue was created before this and read its settings without.
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.registerDefaultsFromFile(QStringLiteral(":/Defaults.json"));
+
+    // Analytics stays opted out unless the user allowed it; the pipeline reads this setting.
+    if (!defaults.boolForKey(DefaultKeys::enableAnalytics))
+        qCInfo(lcApp) << "Analytics opted out";
+
+    // The interface runs in Spanish only where the device prefers Spanish; the catalogue keeps
+    // the language it read at construction until the next change.
+    if (Localize::defaultLanguage() != QLatin1String("es"))
+        Localize::setCurrentLanguage(QStringLiteral("en"));
+
+    if (m_restaurants.ready())
+        showSubscriptionUI();
+    else
+        showDatabaseUI();
+    return true;
+}
+
+QString AppDelegate::documentsPath() const { return Paths::documents(); }
+
+QString AppDelegate::catalogueVersion() const { return m_restaurants.databaseVersionString(); }
+
+void AppDelegate::showDatabaseUI()
+{
+    setRoot(QString::fromLatin1(walkthroughRoot));
+    startWaitingForCatalogue();
+}
+
+void AppDelegate::startWaitingForCatalogue()
+{
+    if (m_fileSharingQueue)
+        return;
+    // A file the user copies into Documents is picked up without a restart.
+    m_fileSharingQueue = std::make_unique<OperationQueue>(1);
+    NotificationCenter::defaultCenter().addObserver(this, Notifications::RestaurantsLoaded, [this](const QVariant &) {
+        QPointer<AppDelegate> self(this);
+        dispatchMain([self] {
+            if (self && self->m_root == QLatin1String(walkthroughRoot))
+                self->databaseReady();
+        });
+    });
+    m_fileSharingQueue->addOperation(std::make_shared<LoadRestaurantsOperation>(m_restaurants));
+}
+
+bool AppDelegate::subscribingPossible() const
+{
+    // No phone service on this platform: only the developer switch makes it possible.
+    return UserDefaults::standard().boolForKey(DefaultKeys::devEnableSubscribe);
+}
+
+void AppDelegate::showSubscriptionUI()
+{
+    const UserDefaults &defaults = UserDefaults::standard();
+    if (subscribingPossible() && !defaults.boolForKey(DefaultKeys::subscriptionScreenSeen)
+        && defaults.intArrayForKey(DefaultKeys::subscriptionProvinces).isEmpty()) {
+        setRoot(QString::fromLatin1(subscribeIntroRoot));
+        return;
+    }
+    loadMainUI();
+}
+
+void AppDelegate::databaseReady() { showSubscriptionUI(); }
+
+void AppDelegate::provinceSelectionDidCancel() { loadMainUI(); }
+
+void AppDelegate::provinceSelectionDidFinish(const QList<int> &provinces)
+{
+    UserDefaults::standard().setIntArray(provinces, DefaultKeys::subscriptionProvinces);
+    loadMainUI();
+}
+
+void AppDelegate::loadMainUI()
+{
+    if (m_fileSharingQueue)
+        m_fileSharingQueue->cancelAllOperations();
+    setRoot(QString::fromLatin1(mainRoot));
+}
+
+void AppDelegate::setRoot(const QString &root)
+{
+    if (m_root == root)
+        return;
+    m_root = root;
+    qCInfo(lcApp) << "Root:" << root;
+    emit rootChanged();
+}
+
+QVariantList AppDelegate::provinceSummaries() const
+{
+    QVariantList result;
+    const auto provinces = m_restaurants.provinces();
+    for (auto it = provinces.begin(); it != provinces.end(); ++it) {
+        result.append(QVariantMap{
+            {QStringLiteral("id"), it.key()},
+            {QStringLiteral("name"), it.value()->name},
+            {QStringLiteral("places"), it.value()->restaurants.size()},
+        });
+    }
+    return result;
+}

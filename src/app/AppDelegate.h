@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QObject>
+#include <QVariantList>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+
+class OperationQueue;
+class Restaurants;
+
+// The application object: owns the long-lived services and decides which root the window shows.
+// The QML window renders `root`; every rule of the choice lives here, so tests check it without
+// a window.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The application object is made by main")
+    Q_PROPERTY(QString root READ root NOTIFY rootChanged)
+    Q_PROPERTY(QString documentsPath READ documentsPath CONSTANT)
+    Q_PROPERTY(QString catalogueVersion READ catalogueVersion NOTIFY rootChanged)
+
+public:
+    // The roots the window can show.
+    static constexpr const char *walkthroughRoot = "walkthrough";
+    static constexpr const char *subscribeIntroRoot = "subscribe-intro";
+    static constexpr const char *mainRoot = "main";
+
+    // Orientation masks: portrait only, and portrait with both landscapes.
+    static constexpr int portraitMask = 2;
+    static constexpr int allButUpsideDownMask = 26;
+
+    explicit AppDelegate(QObject *parent = nullptr);
+    ~AppDelegate() override;
+
+    // The one application object of the process, set as the first act of launching.
+    static AppDelegate *global();
+
+    // The launching steps, in order. Returns true as the platform expects.
+    bool didFinishLaunching();
+
+    QString root() const { return m_root; }
+    QString documentsPath() const;
+    QString catalogueVersion() const;
+
+    Q_INVOKABLE void showDatabaseUI();
+    Q_INVOKABLE void showSubscriptionUI();
+    Q_INVOKABLE void databaseReady();
+    Q_INVOKABLE void provinceSelectionDidCancel();
+    Q_INVOKABLE void provinceSelectionDidFinish(const QList<int> &provinces);
+    Q_INVOKABLE void loadMainUI();
+
+    // Whether the subscription introduction can be offered on this device.
+    bool subscribingPossible() const;
+
+    void allowRotation() { m_allowRotation = true; }
+    void forcePortrait() { m_allowRotation = false; }
+    void preventRotation() { m_allowRotation = false; }
+    int supportedInterfaceOrientations() const { return m_allowRotation ? allButUpsideDownMask : portraitMask; }
+
+    // For the placeholder main screen: [{id, name, places}] by province id.
+    Q_INVOKABLE QVariantList provinceSummaries() const;
+
+signals:
+    void rootChanged();
+
+private:
+    void setRoot(const QString &root);
+    void startWaitingForCatalogue();
+
+    Restaurants &m_restaurants;
+    QString m_root;
+    bool m_allowRotation = false;
+    std::unique_ptr<OperationQueue> m_fileSharingQueue;
+};

@@ -1,0 +1,39 @@
+#include "app/AppWindow.h"
+
+#include "app/AppDelegate.h"
+#include "platform/Logging.h"
+
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+
+AppWindow::AppWindow(AppDelegate &delegate)
+    : m_delegate(delegate)
+    , m_engine(std::make_unique<QQmlApplicationEngine>())
+{
+}
+
+AppWindow::~AppWindow() = default;
+
+bool AppWindow::load()
+{
+    m_engine->addImportPath(QStringLiteral("qrc:/"));
+    m_engine->setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_delegate)}});
+    m_engine->load(QUrl(QStringLiteral("qrc:/Velmora/app/Main.qml")));
+    if (!window()) {
+        qCCritical(lcApp) << "The main window could not be created";
+        return false;
+    }
+    return true;
+}
+
+QQuickWindow *AppWindow::window() const
+{
+    const auto roots = m_engine->rootObjects();
+    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow *>(roots.first());
+}
+
+QImage AppWindow::grab() const
+{
+    QQuickWindow *w = window();
+    return w ? w->grabWindow() : QImage();
+}

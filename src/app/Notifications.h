@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+// Names of the notifications posted on the default NotificationCenter, with no object.
+namespace Notifications {
+// A catalogue has been (re)loaded; observers rebuild their lists.
+inline const QString RestaurantsDidReload = QStringLiteral("RestaurantsDidReload");
+// What the lists must show has changed; the catalogue has not.
+inline const QString VelmoraReloadRestaurants = QStringLiteral("VelmoraReloadRestaurants");
+// The first catalogue became ready during the first run.
+inline const QString RestaurantsLoaded = QStringLiteral("RestaurantsLoaded");
+inline const QString VelmoraReloadInfoScreen = QStringLiteral("VelmoraReloadInfoScreen");
+inline const QString VelmoraUserSubscriptionChanged = QStringLiteral("VelmoraUserSubscriptionChanged");
+inline const QString MyPlacesExplore = QStringLiteral("MyPlacesExplore");
+}

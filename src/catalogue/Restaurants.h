@@ -1,0 +1,139 @@
+#pragma once
+
+#include "catalogue/LocalizableTable.h"
+#include "catalogue/Province.h"
+#include "catalogue/VerificationResult.h"
+
+#include <QDate>
+#include <QHash>
+#include <QList>
+#include <QMap>
+#include <QMutex>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class Database;
+class DatabaseQueue;
+class UserDefaults;
+
+// The one object through which the app sees the catalogue. Creating it finds the newest
+// readable catalogue in Documents and loads it synchronously. With no catalogue every read
+// answers its empty form; a damaged catalogue ends the load with ready() false and a logged
+// reason, and its file is kept.
+class Restaurants
+{
+public:
+    // Where the catalogue store looks, and what it reads at construction.
+    struct Environment {
+        QString documents; // empty: Documents can't be found
+        QString caches;
+        UserDefaults *defaults = nullptr;
+        QString language; // the interface language at construction
+    };
+    struct Candidate {
+        QString path;
+        QDate date;
+    };
+
+    static const QString dbkey;
+
+    // Paths, the standard settings store and the current interface language.
+    static Environment standardEnvironment();
+    // The shared instance, created on first use from the standard environment.
+    static Restaurants &shared();
+    static void setShared(std::unique_ptr<Restaurants> instance);
+
+    explicit Restaurants(Environment environment);
+    virtual ~Restaurants();
+    Restaurants(const Restaurants &) = delete;
+    Restaurants &operator=(const Restaurants &) = delete;
+
+    bool ready() const;
+    QString databasePath() const;
+    std::optional<QDate> databaseVersionDate() const;
+
+    void loadDatabase();
+    // Loads anew and posts RestaurantsDidReload when that left a catalogue ready.
+    void reload();
+    // The readable candidates of Documents, newest first.
+    QList<Candidate> availableDatabases() const;
+    QString databaseVersionString() const;
+    void deleteDatabaseFile();
+    bool isExpired() const;
+    VerificationResult verifyDatabase(const QString &path) const;
+    QString databasePathForVersionDate(QDate date) const;
+
+    // Geography.
+    QMap<int, std::shared_ptr<Province>> provinces() const;
+    std::shared_ptr<Province> province(int id) const;
+    std::optional<int> provinceOfMunicipality(int municipalityId) const;
+    std::optional<int> provinceOfRestaurant(int placeId) const;
+    bool provinceHasOffers(int provinceId) const;
+    bool provinceHasPromos(int provinceId) const;
+    QSet<int> cuisinesOfRestaurant(int placeId) const;
+
+    // Language of the catalogue's columns.
+    QString language() const;
+    void setLanguage(const QString &language);
+    void applyTablesLanguage();
+    const QMap<QString, QMap<int, QString>> &localizedProvinceNames() const { return m_localizedProvinceNames; }
+
+    LocalizableTable &price_ranks() { return m_price_ranks; }
+    LocalizableTable &cuisines() { return m_cuisines; }
+    LocalizableTable &restaurant_groups() { return m_restaurant_groups; }
+    LocalizableTable &service_types() { return m_service_types; }
+    LocalizableTable &place_options() { return m_place_options; }
+    LocalizableTable &payment_options() { return m_payment_options; }
+
+    // Written by the price filter panel; no query depends on it.
+    int pricePolicy = 0;
+
+    // Replaces the catalogue with a pending patch applied. True when it did and a reload is
+    // queued; the base store has no patch step and answers false.
+    virtual bool applyPendingPatch(const QString &path, QDate date);
+    // Opens the search index, building it when its date differs from the catalogue's.
+    virtual void openSearchIndex(bool rebuild);
+
+    // The open catalogue, for the readers of the other catalogue operations.
+    std::shared_ptr<DatabaseQueue> dbq() const;
+
+protected:
+    const Environment &environment() const { return m_env; }
+
+private:
+    struct OpenedCandidate;
+    struct Geography;
+
+    std::vector<OpenedCandidate> scanCandidates(bool keepNewestConnection) const;
+    bool readGeography(Database &db, Geography &geography, QString &reason) const;
+    void commitGeography(const Geography &geography);
+    bool loadCuisinesAndVersion(DatabaseQueue &queue);
+    void failLoad(const QString &reason);
+    std::optional<int> provinceOfRestaurantLocked(int placeId) const;
+
+    const Environment m_env;
+    const QMap<QString, QMap<int, QString>> m_localizedProvinceNames;
+
+    mutable QMutex m_mutex;     // guards the fields below
+    QMutex m_loadMutex;         // one load at a time, whichever thread asks
+    std::shared_ptr<DatabaseQueue> m_dbq;
+    QMap<int, std::shared_ptr<Province>> m_provinces;
+    QHash<int, int> m_mun_to_prov;
+    QHash<int, int> m_rid_to_mun;
+    QHash<int, QSet<int>> m_rest_cuisines;
+    QString m_databasePath;
+    std::optional<QDate> m_databaseVersionDate;
+    bool m_ready = false;
+    QString m_lang;
+
+    LocalizableTable m_price_ranks{QStringLiteral("price_ranks")};
+    LocalizableTable m_cuisines{QStringLiteral("cuisines")};
+    LocalizableTable m_restaurant_groups{QStringLiteral("restaurant_groups")};
+    LocalizableTable m_service_types{QStringLiteral("service_types")};
+    LocalizableTable m_place_options{QStringLiteral("place_options")};
+    LocalizableTable m_payment_options{QStringLiteral("payment_options")};
+};

@@ -1,0 +1,193 @@
+#include "platform/Database.h"
+
+#include "platform/Logging.h"
+
+#include <sqlcipher/sqlite3.h>
+
+std::atomic<int> Database::s_keyedConnections{0};
+
+namespace {
+// A busy catalogue file (a patch being applied beside a reader) is waited for, not failed.
+constexpr int busyTimeoutMs = 2000;
+
+bool bindArgument(sqlite3_stmt *statement, int index, const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::UnknownType:
+    case QMetaType::Nullptr:
+        return sqlite3_bind_null(statement, index) == SQLITE_OK;
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+    case QMetaType::Short:
+        return sqlite3_bind_int64(statement, index, value.toLongLong()) == SQLITE_OK;
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return sqlite3_bind_double(statement, index, value.toDouble()) == SQLITE_OK;
+    case QMetaType::QByteArray: {
+        const QByteArray bytes = value.toByteArray();
+        return sqlite3_bind_blob(statement, index, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT) == SQLITE_OK;
+    }
+    default: {
+        if (value.isNull())
+            return sqlite3_bind_null(statement, index) == SQLITE_OK;
+        const QByteArray text = value.toString().toUtf8();
+        return sqlite3_bind_text(statement, index, text.constData(), int(text.size()), SQLITE_TRANSIENT) == SQLITE_OK;
+    }
+    }
+}
+}
+
+Database::Database(QString path)
+    : m_path(std::move(path))
+{
+}
+
+Database::~Database() { close(); }
+
+bool Database::openWithFlags(int flags)
+{
+    if (m_db)
+        return true;
+    clearError();
+    const QByteArray path = m_path.toUtf8();
+    sqlite3 *db = nullptr;
+    const int rc = sqlite3_open_v2(path.constData(), &db, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
+    if (rc != SQLITE_OK) {
+        m_lastErrorCode = rc;
+        m_lastError = db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(sqlite3_errstr(rc));
+        sqlite3_close(db);
+        return false;
+    }
+    m_db = db;
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
+    return true;
+}
+
+void Database::close()
+{
+    if (m_db) {
+        sqlite3_close_v2(m_db);
+        m_db = nullptr;
+    }
+}
+
+bool Database::setKey(const QString &key)
+{
+    // The key is a constant of the program, never user text, so building the statement is safe.
+    if (!executeStatements(QStringLiteral("PRAGMA KEY='") + key + QStringLiteral("'")))
+        return false;
+    ++s_keyedConnections;
+    return true;
+}
+
+bool Database::executeStatements(const QString &sql)
+{
+    if (!m_db) {
+        m_lastErrorCode = SQLITE_MISUSE;
+        m_lastError = QStringLiteral("database is not open");
+        return false;
+    }
+    clearError();
+    char *message = nullptr;
+    const QByteArray utf8 = sql.toUtf8();
+    const int rc = sqlite3_exec(m_db, utf8.constData(), nullptr, nullptr, &message);
+    if (rc != SQLITE_OK) {
+        m_lastErrorCode = rc;
+        m_lastError = message ? QString::fromUtf8(message) : QString::fromUtf8(sqlite3_errstr(rc));
+        sqlite3_free(message);
+        return false;
+    }
+    return true;
+}
+
+ResultSet Database::executeQuery(const QString &sql, const QVariantList &arguments)
+{
+    if (!m_db) {
+        m_lastErrorCode = SQLITE_MISUSE;
+        m_lastError = QStringLiteral("database is not open");
+        return ResultSet();
+    }
+    clearError();
+    sqlite3_stmt *statement = nullptr;
+    const QByteArray utf8 = sql.toUtf8();
+    if (sqlite3_prepare_v2(m_db, utf8.constData(), int(utf8.size()), &statement, nullptr) != SQLITE_OK) {
+        recordError();
+        sqlite3_finalize(statement);
+        return ResultSet();
+    }
+    if (!statement) { // only whitespace or a comment
+        m_lastErrorCode = SQLITE_MISUSE;
+        m_lastError = QStringLiteral("empty statement");
+        return ResultSet();
+    }
+    if (arguments.size() != sqlite3_bind_parameter_count(statement)) {
+        m_lastErrorCode = SQLITE_RANGE;
+        m_lastError = QStringLiteral("statement takes %1 arguments, %2 given")
+                          .arg(sqlite3_bind_parameter_count(statement))
+                          .arg(arguments.size());
+        sqlite3_finalize(statement);
+        return ResultSet();
+    }
+    for (int i = 0; i < arguments.size(); ++i) {
+        if (!bindArgument(statement, i + 1, arguments.at(i))) {
+            recordError();
+            sqlite3_finalize(statement);
+            return ResultSet();
+        }
+    }
+    return ResultSet(statement);
+}
+
+bool Database::executeUpdate(const QString &sql, const QVariantList &arguments)
+{
+    ResultSet rows = executeQuery(sql, arguments);
+    if (!rows.isValid())
+        return false;
+    while (rows.next()) {
+    }
+    if (rows.failed()) {
+        m_lastErrorCode = sqlite3_errcode(m_db);
+        m_lastError = rows.errorMessage();
+        return false;
+    }
+    return true;
+}
+
+bool Database::tableExists(const QString &table)
+{
+    ResultSet rows = executeQuery(
+        QStringLiteral("SELECT name FROM sqlite_master WHERE type IN ('table','view') AND lower(name) = lower(?)"),
+        {table});
+    return rows.isValid() && rows.next();
+}
+
+bool Database::columnExists(const QString &column, const QString &table)
+{
+    // The table name can't be bound in a PRAGMA; quote it as an identifier instead.
+    QString quoted = table;
+    quoted.replace(QLatin1Char('"'), QLatin1String("\"\""));
+    ResultSet rows = executeQuery(QStringLiteral("PRAGMA table_info(\"%1\")").arg(quoted));
+    if (!rows.isValid())
+        return false;
+    while (rows.next())
+        if (rows.stringForColumn(QStringLiteral("name")).compare(column, Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
+}
+
+qint64 Database::lastInsertRowId() const { return m_db ? sqlite3_last_insert_rowid(m_db) : 0; }
+
+void Database::recordError()
+{
+    m_lastErrorCode = sqlite3_errcode(m_db);
+    m_lastError = QString::fromUtf8(sqlite3_errmsg(m_db));
+}
+
+void Database::clearError()
+{
+    m_lastErrorCode = 0;
+    m_lastError.clear();
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/ResultSet.h"
+
+#include <QString>
+#include <QVariantList>
+
+#include <atomic>
+
+struct sqlite3;
+
+// One connection to an SQLite or SQLCipher file. Nothing outside the platform layer sees
+// sqlite3 itself: callers open, key, run statements and read rows through this class.
+class Database
+{
+public:
+    // The values of SQLITE_OPEN_READONLY, _READWRITE and _CREATE, which the catalogue rules name.
+    enum OpenFlag { ReadOnly = 0x1, ReadWrite = 0x2, Create = 0x4 };
+
+    explicit Database(QString path);
+    ~Database();
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    const QString &databasePath() const { return m_path; }
+
+    bool open() { return openWithFlags(ReadWrite | Create); }
+    bool openWithFlags(int flags);
+    bool isOpen() const { return m_db != nullptr; }
+    void close();
+
+    // Issues "PRAGMA KEY='<key>'". SQLCipher derives the page key lazily, on the first read, so
+    // a wrong key only shows in the first query.
+    bool setKey(const QString &key);
+
+    // Runs one or more statements separated by ';' with no parameters.
+    bool executeStatements(const QString &sql);
+    // Runs one statement with bound parameters; true when it completed.
+    bool executeUpdate(const QString &sql, const QVariantList &arguments = {});
+    // Prepares one statement with bound parameters. On failure the set is invalid
+    // (`isValid()` false) and lastErrorMessage() says why.
+    ResultSet executeQuery(const QString &sql, const QVariantList &arguments = {});
+
+    bool tableExists(const QString &table);
+    bool columnExists(const QString &column, const QString &table);
+
+    QString lastErrorMessage() const { return m_lastError; }
+    int lastErrorCode() const { return m_lastErrorCode; }
+    bool hadError() const { return m_lastErrorCode != 0; }
+    qint64 lastInsertRowId() const;
+
+    // How many connections were given a key in this process: each costs a key derivation.
+    static int keyedConnectionCount() { return s_keyedConnections.load(); }
+
+private:
+    void recordError();
+    void clearError();
+
+    QString m_path;
+    sqlite3 *m_db = nullptr;
+    QString m_lastError;
+    int m_lastErrorCode = 0;
+    static std::atomic<int> s_keyedConnections;
+};

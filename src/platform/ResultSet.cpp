@@ -1,0 +1,107 @@
+#include "platform/ResultSet.h"
+
+#include <sqlcipher/sqlite3.h>
+
+#include <utility>
+
+ResultSet::ResultSet(sqlite3_stmt *statement)
+    : m_statement(statement)
+{
+}
+
+ResultSet::~ResultSet() { close(); }
+
+ResultSet::ResultSet(ResultSet &&other) noexcept
+    : m_statement(std::exchange(other.m_statement, nullptr))
+    , m_columns(std::move(other.m_columns))
+    , m_failed(other.m_failed)
+    , m_error(std::move(other.m_error))
+{
+}
+
+ResultSet &ResultSet::operator=(ResultSet &&other) noexcept
+{
+    if (this != &other) {
+        close();
+        m_statement = std::exchange(other.m_statement, nullptr);
+        m_columns = std::move(other.m_columns);
+        m_failed = other.m_failed;
+        m_error = std::move(other.m_error);
+    }
+    return *this;
+}
+
+void ResultSet::close()
+{
+    if (m_statement) {
+        sqlite3_finalize(m_statement);
+        m_statement = nullptr;
+    }
+}
+
+bool ResultSet::next()
+{
+    if (!m_statement)
+        return false;
+    const int rc = sqlite3_step(m_statement);
+    if (rc == SQLITE_ROW)
+        return true;
+    if (rc != SQLITE_DONE) {
+        m_failed = true;
+        m_error = QString::fromUtf8(sqlite3_errmsg(sqlite3_db_handle(m_statement)));
+    }
+    return false;
+}
+
+int ResultSet::columnCount() const { return m_statement ? sqlite3_column_count(m_statement) : 0; }
+
+int ResultSet::columnIndex(const QString &name) const
+{
+    if (!m_statement)
+        return -1;
+    if (m_columns.isEmpty()) {
+        const int count = sqlite3_column_count(m_statement);
+        for (int i = 0; i < count; ++i)
+            m_columns.insert(QString::fromUtf8(sqlite3_column_name(m_statement, i)).toLower(), i);
+    }
+    return m_columns.value(name.toLower(), -1);
+}
+
+bool ResultSet::columnIsNull(int column) const
+{
+    return column < 0 || column >= columnCount() || sqlite3_column_type(m_statement, column) == SQLITE_NULL;
+}
+
+int ResultSet::intForColumn(int column) const
+{
+    return columnIsNull(column) ? 0 : sqlite3_column_int(m_statement, column);
+}
+
+qint64 ResultSet::longForColumn(int column) const
+{
+    return columnIsNull(column) ? 0 : sqlite3_column_int64(m_statement, column);
+}
+
+double ResultSet::doubleForColumn(int column) const
+{
+    return columnIsNull(column) ? 0.0 : sqlite3_column_double(m_statement, column);
+}
+
+QString ResultSet::stringForColumn(int column) const
+{
+    if (columnIsNull(column))
+        return QString();
+    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
+    const int bytes = sqlite3_column_bytes(m_statement, column);
+    // An empty, non-NULL text stays distinguishable from NULL.
+    return text ? QString::fromUtf8(text, bytes) : QString(QLatin1String(""));
+}
+
+QByteArray ResultSet::dataForColumn(int column) const
+{
+    if (columnIsNull(column))
+        return QByteArray();
+    const void *blob = sqlite3_column_blob(m_statement, column);
+    const int bytes = sqlite3_column_bytes(m_statement, column);
+    return blob ? QByteArray(static_cast<const char *>(blob), bytes) : QByteArray();
+}
