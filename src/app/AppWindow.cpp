@@ -3,6 +3,8 @@
 #include "app/AppDelegate.h"
 #include "platform/Logging.h"
 
+#include <QFont>
+#include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 
@@ -16,6 +18,8 @@ AppWindow::~AppWindow() = default;
 
 bool AppWindow::load()
 {
+    // Plain Text items take the application font, not the window's.
+    QGuiApplication::setFont(QFont(QStringLiteral("Open Sans")));
     m_engine->addImportPath(QStringLiteral("qrc:/"));
     m_engine->setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_delegate)}});
     m_engine->load(QUrl(QStringLiteral("qrc:/Velmora/app/Main.qml")));

@@ -5,6 +5,7 @@ import Velmora
 // Stand-in for the main interface: the catalogue's provinces with their place counts.
 Item {
     id: root
+    objectName: "mainScreen"
 
     required property AppDelegate app
 

@@ -4,6 +4,7 @@ import QtQuick.Controls.Basic
 // A full-screen message with an optional button, for roots that aren't built yet.
 Rectangle {
     id: screen
+    objectName: "placeholderScreen"
 
     property string heading
     property string message

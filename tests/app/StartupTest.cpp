@@ -1,0 +1,124 @@
+#include "app/AppDelegate.h"
+#include "app/AppWindow.h"
+#include "app/DefaultKeys.h"
+#include "fixtures/TestHome.h"
+#include "platform/Localize.h"
+#include "platform/UserDefaults.h"
+
+#include <QDir>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include <gtest/gtest.h>
+
+Q_IMPORT_QML_PLUGIN(VelmoraPlugin)
+
+namespace {
+QString launchedRoot()
+{
+    AppDelegate delegate;
+    delegate.didFinishLaunching();
+    return delegate.root();
+}
+
+// Shows the window offscreen, waits for it to draw, and saves what a user would see.
+void saveScreenshot(AppWindow &window, const QString &name)
+{
+    QQuickWindow *quick = window.window();
+    ASSERT_TRUE(quick);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(quick));
+    const QImage image = window.grab();
+    ASSERT_FALSE(image.isNull());
+    EXPECT_EQ(image.width(), AppWindow::logicalWidth * image.devicePixelRatio());
+    QDir().mkpath(QStringLiteral(VELMORA_TEST_OUTPUT));
+    EXPECT_TRUE(image.save(QStringLiteral(VELMORA_TEST_OUTPUT "/") + name + QStringLiteral(".png")));
+}
+
+// Loader-made items hang in the visual tree, not among the QObject children.
+QQuickItem *findItem(QQuickItem *item, const QString &name)
+{
+    if (item->objectName() == name)
+        return item;
+    for (QQuickItem *child : item->childItems())
+        if (QQuickItem *found = findItem(child, name))
+            return found;
+    return nullptr;
+}
+
+QQuickItem *screenNamed(AppWindow &window, const char *name)
+{
+    return findItem(window.window()->contentItem(), QString::fromLatin1(name));
+}
+}
+
+// Catches: the wrong root for the state of the catalogue and of the subscription settings.
+TEST(Startup, RootFollowsTheCatalogueAndTheSubscriptionRule)
+{
+    {
+        TestHome home;
+        EXPECT_EQ(launchedRoot(), QLatin1String(AppDelegate::walkthroughRoot));
+    }
+    {
+        TestHome home;
+        home.addCatalogue(QStringLiteral("20170101"));
+        EXPECT_EQ(launchedRoot(), QLatin1String(AppDelegate::mainRoot));
+        EXPECT_FALSE(home.defaults().objectForKey(DefaultKeys::subscriptionScreenSeen).isValid());
+    }
+    {
+        TestHome home;
+        home.addCatalogue(QStringLiteral("20170101"));
+        home.defaults().setBool(true, DefaultKeys::devEnableSubscribe);
+        AppDelegate delegate;
+        delegate.didFinishLaunching();
+        EXPECT_EQ(delegate.root(), QLatin1String(AppDelegate::subscribeIntroRoot));
+        delegate.provinceSelectionDidCancel();
+        EXPECT_EQ(delegate.root(), QLatin1String(AppDelegate::mainRoot));
+        EXPECT_FALSE(home.defaults().objectForKey(DefaultKeys::subscriptionProvinces).isValid());
+    }
+    {
+        TestHome home;
+        home.addCatalogue(QStringLiteral("20170101"));
+        home.defaults().setBool(true, DefaultKeys::devEnableSubscribe);
+        home.defaults().setIntArray({2}, DefaultKeys::subscriptionProvinces);
+        EXPECT_EQ(launchedRoot(), QLatin1String(AppDelegate::mainRoot));
+    }
+}
+
+// Catches: the start-up language rule leaving Spanish on a device that doesn't prefer it, and
+// the catalogue being told of that change (it keeps what it read at construction).
+TEST(Startup, InterfaceFallsBackToEnglishUnlessTheDevicePrefersSpanish)
+{
+    TestHome home;
+    home.addCatalogue(QStringLiteral("20170101"));
+    Localize::setCurrentLanguage(QStringLiteral("es"));
+    AppDelegate delegate;
+    delegate.didFinishLaunching();
+    const bool deviceSpanish = Localize::defaultLanguage() == QLatin1String("es");
+    EXPECT_EQ(Localize::currentLanguage(), deviceSpanish ? QStringLiteral("es") : QStringLiteral("en"));
+    EXPECT_EQ(Restaurants::shared().language(), QStringLiteral("es"));
+}
+
+// Catches: a root that the window doesn't draw, and a copied-in catalogue not leading from the
+// walkthrough to the main interface without a restart.
+TEST(Startup, WindowShowsTheRootAndSwitchesWhenACatalogueArrives)
+{
+    TestHome home;
+    AppDelegate delegate;
+    delegate.didFinishLaunching();
+    AppWindow window(delegate);
+    ASSERT_TRUE(window.load());
+    EXPECT_EQ(window.window()->width(), AppWindow::logicalWidth);
+    EXPECT_EQ(window.window()->height(), AppWindow::logicalHeight);
+    EXPECT_TRUE(screenNamed(window, "placeholderScreen"));
+    EXPECT_FALSE(screenNamed(window, "mainScreen"));
+    saveScreenshot(window, QStringLiteral("startup-walkthrough"));
+
+    CatalogueFixture fixture = CatalogueFixture::generated(300);
+    home.addCatalogue(fixture, QStringLiteral("Guide.vmr"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return delegate.root() == QLatin1String(AppDelegate::mainRoot); }, 5000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screenNamed(window, "mainScreen") != nullptr; }, 2000));
+    EXPECT_FALSE(screenNamed(window, "placeholderScreen"));
+    saveScreenshot(window, QStringLiteral("startup-main"));
+}
