@@ -4,6 +4,7 @@
 #include "platform/Database.h"
 #include "platform/Paths.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QQuickWindow>
@@ -40,8 +41,10 @@ int main(int argc, char *argv[])
             if (reported)
                 return;
             reported = true;
+            // The wall-clock moment lets a caller measure from the process's launch, not from main.
             QTextStream(stdout) << "root " << delegate.root() << " shown after " << sinceStart.elapsed()
-                                << " ms; keyed catalogue connections: " << Database::keyedConnectionCount() << "\n";
+                                << " ms (at " << QDateTime::currentMSecsSinceEpoch()
+                                << "); keyed catalogue connections: " << Database::keyedConnectionCount() << "\n";
             if (!options.screenshot.isEmpty() && !window.grab().save(options.screenshot))
                 QTextStream(stderr) << "could not save " << options.screenshot << "\n";
             QTimer::singleShot(0, &app, &QGuiApplication::quit);
