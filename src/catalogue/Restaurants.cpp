@@ -257,77 +257,55 @@ void Restaurants::loadDatabase()
 
 bool Restaurants::readGeography(Database &db, Geography &geography, QString &reason) const
 {
+    // A statement that fails once the key probe passed means a damaged file.
+    const auto read = [&](const QString &sql, const std::function<bool(const ResultSet &)> &onRow) {
+        if (db.forEachRow(sql, {}, onRow))
+            return reason.isEmpty();
+        reason = QStringLiteral("\"%1\" failed: %2").arg(sql, db.lastErrorMessage());
+        return false;
+    };
+
     QHash<int, QMap<int, QString>> municipalitiesByProvince;
-    {
-        ResultSet rows = db.executeQuery(QStringLiteral("SELECT * FROM counties"));
-        if (!rows.isValid()) {
-            reason = QStringLiteral("reading counties failed: ") + db.lastErrorMessage();
+    const bool counties = read(QStringLiteral("SELECT * FROM counties"), [&](const ResultSet &row) {
+        const int id = row.intForColumn(QStringLiteral("id"));
+        const int province = row.intForColumn(QStringLiteral("state_id"));
+        geography.munToProv.insert(id, province);
+        QMap<int, QString> &municipalities = municipalitiesByProvince[province];
+        if (const QString name = row.stringForColumn(QStringLiteral("name")); !name.isNull())
+            municipalities.insert(id, name);
+        return true;
+    });
+    if (!counties)
+        return false;
+
+    const bool states = read(QStringLiteral("SELECT id FROM states"), [&](const ResultSet &row) {
+        const int id = row.intForColumn(0);
+        auto province = std::make_shared<Province>();
+        province->municipalities = municipalitiesByProvince.value(id);
+        if (province->municipalities.isEmpty()) {
+            reason = QStringLiteral("province %1 has no municipalities").arg(id);
             return false;
         }
-        while (rows.next()) {
-            const int id = rows.intForColumn(QStringLiteral("id"));
-            const int province = rows.intForColumn(QStringLiteral("state_id"));
-            geography.munToProv.insert(id, province);
-            QMap<int, QString> &municipalities = municipalitiesByProvince[province];
-            const QString name = rows.stringForColumn(QStringLiteral("name"));
-            if (!name.isNull())
-                municipalities.insert(id, name);
-        }
-        if (rows.failed()) {
-            reason = QStringLiteral("reading counties failed: ") + rows.errorMessage();
-            return false;
-        }
-    }
-    {
-        ResultSet rows = db.executeQuery(QStringLiteral("SELECT id FROM states"));
-        if (!rows.isValid()) {
-            reason = QStringLiteral("reading states failed: ") + db.lastErrorMessage();
-            return false;
-        }
-        while (rows.next()) {
-            const int id = rows.intForColumn(0);
-            auto province = std::make_shared<Province>();
-            province->municipalities = municipalitiesByProvince.value(id);
-            if (province->municipalities.isEmpty()) {
-                reason = QStringLiteral("province %1 has no municipalities").arg(id);
-                return false;
-            }
-            geography.provinces.insert(id, province);
-        }
-        if (rows.failed()) {
-            reason = QStringLiteral("reading states failed: ") + rows.errorMessage();
-            return false;
-        }
-    }
-    {
-        ResultSet rows = db.executeQuery(QStringLiteral("SELECT id,county_id FROM restaurants"));
-        if (!rows.isValid()) {
-            reason = QStringLiteral("reading restaurants failed: ") + db.lastErrorMessage();
-            return false;
-        }
-        while (rows.next())
-            geography.placesInOrder.append({rows.intForColumn(0), rows.intForColumn(1)});
-        if (rows.failed()) {
-            reason = QStringLiteral("reading restaurants failed: ") + rows.errorMessage();
-            return false;
-        }
-    }
+        geography.provinces.insert(id, province);
+        return true;
+    });
+    if (!states)
+        return false;
+
+    const bool places = read(QStringLiteral("SELECT id,county_id FROM restaurants"), [&](const ResultSet &row) {
+        geography.placesInOrder.append({row.intForColumn(0), row.intForColumn(1)});
+        return true;
+    });
+    if (!places)
+        return false;
+
     // Offers and promotions are optional tables; once a table is there, a failed read is damage.
     const auto readPlaceColumn = [&](const QString &table, QList<int> &into) {
-        if (!db.tableExists(table))
-            return true;
-        ResultSet rows = db.executeQuery(QStringLiteral("SELECT restaurant_id FROM ") + table);
-        if (!rows.isValid()) {
-            reason = QStringLiteral("reading %1 failed: %2").arg(table, db.lastErrorMessage());
-            return false;
-        }
-        while (rows.next())
-            into.append(rows.intForColumn(0));
-        if (rows.failed()) {
-            reason = QStringLiteral("reading %1 failed: %2").arg(table, rows.errorMessage());
-            return false;
-        }
-        return true;
+        return !db.tableExists(table)
+            || read(QStringLiteral("SELECT restaurant_id FROM ") + table, [&](const ResultSet &row) {
+                   into.append(row.intForColumn(0));
+                   return true;
+               });
     };
     return readPlaceColumn(QStringLiteral("offers"), geography.offerPlaces)
         && readPlaceColumn(QStringLiteral("restaurants_promoted"), geography.promoPlaces);
@@ -366,34 +344,24 @@ bool Restaurants::loadCuisinesAndVersion(DatabaseQueue &queue)
     std::optional<QDate> version;
     bool versionQueryFailed = false;
     queue.inDatabase([&](Database &db) {
-        {
-            ResultSet rows = db.executeQuery(QStringLiteral("SELECT * FROM restaurants_cuisines"));
-            if (!rows.isValid()) {
-                failure = QStringLiteral("reading restaurants_cuisines failed: ") + db.lastErrorMessage();
-                return;
-            }
-            // Rows come grouped by place: each change of id starts that place's set anew.
-            std::optional<int> previous;
-            while (rows.next()) {
-                const int placeId = rows.intForColumn(QStringLiteral("restaurant_id"));
-                if (!previous || *previous != placeId)
-                    cuisinesByPlace[placeId].clear();
-                cuisinesByPlace[placeId].insert(rows.intForColumn(QStringLiteral("cuisine_id")));
-                previous = placeId;
-            }
-            if (rows.failed()) {
-                failure = QStringLiteral("reading restaurants_cuisines failed: ") + rows.errorMessage();
-                return;
-            }
-        }
-        ResultSet rows = db.executeQuery(versionDateQuery);
-        if (!rows.isValid()) {
-            versionQueryFailed = true;
+        // Rows come grouped by place: each change of id starts that place's set anew.
+        std::optional<int> previous;
+        const bool read = db.forEachRow(QStringLiteral("SELECT * FROM restaurants_cuisines"), {}, [&](const ResultSet &row) {
+            const int placeId = row.intForColumn(QStringLiteral("restaurant_id"));
+            if (!previous || *previous != placeId)
+                cuisinesByPlace[placeId].clear();
+            cuisinesByPlace[placeId].insert(row.intForColumn(QStringLiteral("cuisine_id")));
+            previous = placeId;
+            return true;
+        });
+        if (!read) {
+            failure = QStringLiteral("reading restaurants_cuisines failed: ") + db.lastErrorMessage();
             return;
         }
-        if (rows.next())
-            version = CatalogueDates::parseCompact(rows.stringForColumn(0));
-        versionQueryFailed = rows.failed();
+        versionQueryFailed = !db.forEachRow(versionDateQuery, {}, [&](const ResultSet &row) {
+            version = CatalogueDates::parseCompact(row.stringForColumn(0));
+            return false; // the first row is the version
+        });
     });
     if (!failure.isEmpty()) {
         failLoad(failure);

@@ -141,19 +141,26 @@ ResultSet Database::executeQuery(const QString &sql, const QVariantList &argumen
     return ResultSet(statement);
 }
 
-bool Database::executeUpdate(const QString &sql, const QVariantList &arguments)
+bool Database::forEachRow(const QString &sql, const QVariantList &arguments,
+                          const std::function<bool(const ResultSet &)> &onRow)
 {
     ResultSet rows = executeQuery(sql, arguments);
     if (!rows.isValid())
         return false;
-    while (rows.next()) {
-    }
+    while (rows.next())
+        if (!onRow(rows))
+            return true;
     if (rows.failed()) {
         m_lastErrorCode = sqlite3_errcode(m_db);
         m_lastError = rows.errorMessage();
         return false;
     }
     return true;
+}
+
+bool Database::executeUpdate(const QString &sql, const QVariantList &arguments)
+{
+    return forEachRow(sql, arguments, [](const ResultSet &) { return true; });
 }
 
 bool Database::tableExists(const QString &table)

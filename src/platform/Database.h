@@ -6,6 +6,7 @@
 #include <QVariantList>
 
 #include <atomic>
+#include <functional>
 
 struct sqlite3;
 
@@ -40,6 +41,11 @@ public:
     // Prepares one statement with bound parameters. On failure the set is invalid
     // (`isValid()` false) and lastErrorMessage() says why.
     ResultSet executeQuery(const QString &sql, const QVariantList &arguments = {});
+
+    // Runs a query and hands each row to `onRow`, which returns false to stop early. False when
+    // the statement could not run or a step failed; lastErrorMessage() then says why.
+    bool forEachRow(const QString &sql, const QVariantList &arguments,
+                    const std::function<bool(const ResultSet &)> &onRow);
 
     bool tableExists(const QString &table);
     bool columnExists(const QString &column, const QString &table);
