@@ -2,11 +2,17 @@
 
 #include "app/AppDelegate.h"
 #include "platform/Logging.h"
+#include "richtext/ApplicationFonts.h"
 
 #include <QFont>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
+#include <QtQml/qqmlextensionplugin.h>
+
+// The QML modules are static plugins; importing them here ties them to whoever shows the window.
+Q_IMPORT_QML_PLUGIN(VelmoraPlugin)
+Q_IMPORT_QML_PLUGIN(Velmora_RichTextPlugin)
 
 AppWindow::AppWindow(AppDelegate &delegate)
     : m_delegate(delegate)
@@ -20,6 +26,7 @@ bool AppWindow::load()
 {
     // Plain Text items take the application font, not the window's.
     QGuiApplication::setFont(QFont(QStringLiteral("Open Sans")));
+    registerApplicationFonts();
     m_engine->addImportPath(QStringLiteral("qrc:/"));
     m_engine->setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_delegate)}});
     m_engine->load(QUrl(QStringLiteral("qrc:/Velmora/app/Main.qml")));

@@ -10,9 +10,6 @@
 #include <QQuickWindow>
 #include <QTextStream>
 #include <QTimer>
-#include <QtQml/qqmlextensionplugin.h>
-
-Q_IMPORT_QML_PLUGIN(VelmoraPlugin)
 
 int main(int argc, char *argv[])
 {

@@ -9,11 +9,8 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
-#include <QtQml/qqmlextensionplugin.h>
 
 #include <gtest/gtest.h>
-
-Q_IMPORT_QML_PLUGIN(VelmoraPlugin)
 
 namespace {
 QString launchedRoot()
