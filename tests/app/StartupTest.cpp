@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
 #include "app/DefaultKeys.h"
+#include "fixtures/QuickItems.h"
 #include "fixtures/TestHome.h"
 #include "platform/Localize.h"
 #include "platform/UserDefaults.h"
@@ -31,17 +32,6 @@ void saveScreenshot(AppWindow &window, const QString &name)
     EXPECT_EQ(image.width(), AppWindow::logicalWidth * image.devicePixelRatio());
     QDir().mkpath(QStringLiteral(VELMORA_TEST_OUTPUT));
     EXPECT_TRUE(image.save(QStringLiteral(VELMORA_TEST_OUTPUT "/") + name + QStringLiteral(".png")));
-}
-
-// Loader-made items hang in the visual tree, not among the QObject children.
-QQuickItem *findItem(QQuickItem *item, const QString &name)
-{
-    if (item->objectName() == name)
-        return item;
-    for (QQuickItem *child : item->childItems())
-        if (QQuickItem *found = findItem(child, name))
-            return found;
-    return nullptr;
 }
 
 QQuickItem *screenNamed(AppWindow &window, const char *name)
