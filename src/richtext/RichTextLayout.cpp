@@ -217,10 +217,7 @@ void RichTextLayout::elideLastLine(Paragraph &paragraph, qreal width)
 
 QSizeF RichTextLayout::naturalSize()
 {
-    const int limit = m_maximumLineCount;
-    const QSizeF size = layout(0);
-    m_maximumLineCount = limit;
-    return size;
+    return layout(0);
 }
 
 void RichTextLayout::drawLines(QPainter *painter, const QTextLayout &layout, const QList<Span> &spans, int lineCount)

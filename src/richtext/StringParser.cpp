@@ -18,10 +18,12 @@ StringParser::StringParser(const QString &markup, const RichString &sheet)
 void StringParser::parse()
 {
     QXmlStreamReader reader(m_markup);
+    // Tags are looked up exactly as written: "a:b" is the rule "a:b", prefix or not.
+    reader.setNamespaceProcessing(false);
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
-            didStartElement(reader.name());
+            didStartElement(reader.qualifiedName());
             break;
         case QXmlStreamReader::Characters:
             foundCharacters(reader.text());

@@ -43,6 +43,8 @@ TEST(Render, RunsFollowTheTags)
     EXPECT_EQ(abc.runs[1].font->size, FontRegistry::systemFontSize);
     EXPECT_EQ(abc.runs[2].font, abc.runs[0].font);
 
+    EXPECT_EQ(r.render(QStringLiteral("<body><x:b>q</x:b></body>")).runs.value(0).font, abc.runs[0].font);
+
     const AttributedString unknown = r.render(QStringLiteral("<body><nope>x</nope></body>"));
     ASSERT_EQ(unknown.runs.size(), 1);
     EXPECT_EQ(unknown.runs[0].font, abc.runs[0].font);
