@@ -78,9 +78,9 @@ void RichString::parseStyleSheet(const QString &text)
 
 StyleSpec RichString::parseStyleBody(const QString &body)
 {
-    StyleSpec spec;
+    StyleSpec rule;
     if (!declarationPattern().isValid())
-        return spec;
+        return rule;
     const auto number = [](const QString &value, std::optional<double> &field) {
         if (const auto parsed = parseNumber(value))
             field = parsed; // a bad number keeps what the field had
@@ -91,21 +91,21 @@ StyleSpec RichString::parseStyleBody(const QString &body)
         const QString property = match.captured(1);
         const QString value = match.captured(2);
         if (property == QLatin1String("font-name"))
-            spec.fontName = value;
+            rule.fontName = value;
         else if (property == QLatin1String("font-size"))
-            number(value, spec.fontSize);
+            number(value, rule.fontSize);
         else if (property == QLatin1String("color"))
-            spec.color = parseColor(value); // a bad colour clears an earlier good one
+            rule.color = parseColor(value); // a bad colour clears an earlier good one
         else if (property == QLatin1String("align") || property == QLatin1String("text-alignment")
                  || property == QLatin1String("alignment")) {
             if (const auto alignment = alignmentWord(value))
-                spec.alignment = alignment;
+                rule.alignment = alignment;
         } else if (property == QLatin1String("line-height"))
-            number(value, spec.line_height);
+            number(value, rule.line_height);
         else if (property == QLatin1String("baseline-offset"))
-            number(value, spec.baseline_offset);
+            number(value, rule.baseline_offset);
     }
-    return spec;
+    return rule;
 }
 
 std::optional<double> RichString::parseNumber(const QString &text)
