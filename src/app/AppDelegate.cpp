@@ -48,6 +48,7 @@ bool AppDelegate::didFinishLaunching()
     // the language it read at construction until the next change.
     if (Localize::defaultLanguage() != QLatin1String("es"))
         Localize::setCurrentLanguage(QStringLiteral("en"));
+    Localize::loadCurrentLanguage();
 
     if (m_restaurants.ready())
         showSubscriptionUI();

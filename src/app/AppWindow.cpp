@@ -1,7 +1,9 @@
 #include "app/AppWindow.h"
 
 #include "app/AppDelegate.h"
+#include "platform/Localize.h"
 #include "platform/Logging.h"
+#include "platform/NotificationCenter.h"
 #include "richtext/ApplicationFonts.h"
 
 #include <QFont>
@@ -18,15 +20,18 @@ AppWindow::AppWindow(AppDelegate &delegate)
     : m_delegate(delegate)
     , m_engine(std::make_unique<QQmlApplicationEngine>())
 {
+    // Every qsTrId() binding is evaluated anew in the new language.
+    NotificationCenter::defaultCenter().addObserver(m_engine.get(), Localize::changeNotification,
+                                                    [engine = m_engine.get()](const QVariant &) { engine->retranslate(); });
 }
 
 AppWindow::~AppWindow() = default;
 
 bool AppWindow::load()
 {
+    registerApplicationFonts();
     // Plain Text items take the application font, not the window's.
     QGuiApplication::setFont(QFont(QStringLiteral("Open Sans")));
-    registerApplicationFonts();
     m_engine->addImportPath(QStringLiteral("qrc:/"));
     m_engine->setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_delegate)}});
     m_engine->load(QUrl(QStringLiteral("qrc:/Velmora/app/Main.qml")));

@@ -1,12 +1,72 @@
 #include "platform/Localize.h"
 
+#include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
 #include "platform/UserDefaults.h"
 
+#include <QCoreApplication>
 #include <QLocale>
+#include <QMutex>
+#include <QTranslator>
+
+#include <map>
+
+#include <memory>
 
 const QString Localize::changeNotification = QStringLiteral("LCLLanguageChangeNotification");
 const QString Localize::currentLanguageKey = QStringLiteral("LCLCurrentLanguageKey");
+
+namespace {
+
+// One loaded translator per language, kept for the process's life: the installed one and those
+// asked for by textIn().
+class Catalogues
+{
+public:
+    static Catalogues &shared()
+    {
+        static Catalogues catalogues;
+        return catalogues;
+    }
+
+    // Null when the app has no texts for the language.
+    QTranslator *translator(const QString &language)
+    {
+        QMutexLocker lock(&m_mutex);
+        auto it = m_translators.find(language);
+        if (it == m_translators.end()) {
+            auto translator = std::make_unique<QTranslator>();
+            if (!translator->load(QStringLiteral(":/i18n/velmora_%1.qm").arg(language)))
+                translator.reset();
+            it = m_translators.emplace(language, std::move(translator)).first;
+        }
+        return it->second.get();
+    }
+
+    void install(const QString &language)
+    {
+        QTranslator *next = translator(language);
+        QMutexLocker lock(&m_mutex);
+        if (next == m_installed)
+            return;
+        if (m_installed)
+            QCoreApplication::removeTranslator(m_installed);
+        m_installed = next;
+        if (!next) {
+            qCWarning(lcPlatform) << "No interface texts for language" << language;
+            return;
+        }
+        if (!QCoreApplication::installTranslator(next))
+            qCWarning(lcPlatform) << "The texts of" << language << "could not be installed";
+    }
+
+private:
+    QMutex m_mutex;
+    std::map<QString, std::unique_ptr<QTranslator>> m_translators;
+    QTranslator *m_installed = nullptr;
+};
+
+}
 
 QStringList Localize::availableLanguages()
 {
@@ -23,6 +83,7 @@ void Localize::setCurrentLanguage(const QString &code)
 {
     const QString language = availableLanguages().contains(code) ? code : defaultLanguage();
     UserDefaults::standard().setString(language, currentLanguageKey);
+    Catalogues::shared().install(language);
     NotificationCenter::defaultCenter().post(changeNotification);
 }
 
@@ -36,4 +97,21 @@ QString Localize::defaultLanguage()
             return code;
     }
     return QStringLiteral("en");
+}
+
+void Localize::loadCurrentLanguage()
+{
+    Catalogues::shared().install(currentLanguage());
+}
+
+QString Localize::localized(const QString &key)
+{
+    return qtTrId(key.toUtf8().constData());
+}
+
+QString Localize::textIn(const QString &language, const QString &key)
+{
+    const QTranslator *translator = Catalogues::shared().translator(language);
+    const QString text = translator ? translator->translate(nullptr, key.toUtf8().constData()) : QString();
+    return text.isEmpty() ? key : text;
 }

@@ -1,0 +1,448 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en">
+<context>
+    <name></name>
+    <message id="sidemenu_search">
+        <source>sidemenu_search</source>
+        <translation>Search</translation>
+    </message>
+    <message id="sidemenu_map">
+        <source>sidemenu_map</source>
+        <translation>Map</translation>
+    </message>
+    <message id="sidemenu_myplaces">
+        <source>sidemenu_myplaces</source>
+        <translation>My places</translation>
+    </message>
+    <message id="sidemenu_notifications">
+        <source>sidemenu_notifications</source>
+        <translation>Notifications</translation>
+    </message>
+    <message id="sidemenu_info">
+        <source>sidemenu_info</source>
+        <translation>About</translation>
+    </message>
+    <message id="sidemenu_settings">
+        <source>sidemenu_settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message id="notifications_receive_more_info">
+        <source>notifications_receive_more_info</source>
+        <translation>Get news by SMS</translation>
+    </message>
+    <message id="search_discover">
+        <source>search_discover</source>
+        <translation>Discover</translation>
+    </message>
+    <message id="search_places">
+        <source>search_places</source>
+        <translation>Places</translation>
+    </message>
+    <message id="search_offers">
+        <source>search_offers</source>
+        <translation>Offers</translation>
+    </message>
+    <message id="discover_promo_badge">
+        <source>discover_promo_badge</source>
+        <translation>FEATURED</translation>
+    </message>
+    <message id="discover_ad_badge">
+        <source>discover_ad_badge</source>
+        <translation>AD</translation>
+    </message>
+    <message id="adv_email_subject">
+        <source>adv_email_subject</source>
+        <translation>Enquiry from Velmora</translation>
+    </message>
+    <message id="offers_title">
+        <source>offers_title</source>
+        <translation>Offers</translation>
+    </message>
+    <message id="filters_title">
+        <source>filters_title</source>
+        <translation>Filters</translation>
+    </message>
+    <message id="filters_clear_all">
+        <source>filters_clear_all</source>
+        <translation>Clear all</translation>
+    </message>
+    <message id="filters_filter_action">
+        <source>filters_filter_action</source>
+        <translation>Show places</translation>
+    </message>
+    <message id="filters_row_all">
+        <source>filters_row_all</source>
+        <translation>All</translation>
+    </message>
+    <message id="filters_price_rank_upto_7">
+        <source>filters_price_rank_upto_7</source>
+        <translation>Up to $7</translation>
+    </message>
+    <message id="filters_price_rank_7_to_14">
+        <source>filters_price_rank_7_to_14</source>
+        <translation>$7 to $14</translation>
+    </message>
+    <message id="filters_price_rank_14_to_21">
+        <source>filters_price_rank_14_to_21</source>
+        <translation>$14 to $21</translation>
+    </message>
+    <message id="filters_price_rank_21_to_29">
+        <source>filters_price_rank_21_to_29</source>
+        <translation>$21 to $29</translation>
+    </message>
+    <message id="filters_price_rank_over_29">
+        <source>filters_price_rank_over_29</source>
+        <translation>Over $29</translation>
+    </message>
+    <message id="provinces_number_of_places">
+        <source>provinces_number_of_places</source>
+        <translation>{N} places</translation>
+    </message>
+    <message id="lugar_info_header">
+        <source>lugar_info_header</source>
+        <translation>INFORMATION</translation>
+    </message>
+    <message id="lugar_place_out_of_service">
+        <source>lugar_place_out_of_service</source>
+        <translation>Temporarily closed</translation>
+    </message>
+    <message id="lugar_place_out_of_service_reason">
+        <source>lugar_place_out_of_service_reason</source>
+        <translation>Reason: {REASON}</translation>
+    </message>
+    <message id="lugar_place_out_of_service_reason_unknown">
+        <source>lugar_place_out_of_service_reason_unknown</source>
+        <translation>We don't know why, or for how long.</translation>
+    </message>
+    <message id="lugar_address_subheader">
+        <source>lugar_address_subheader</source>
+        <translation>ADDRESS</translation>
+    </message>
+    <message id="lugar_avg_price_subheader">
+        <source>lugar_avg_price_subheader</source>
+        <translation>AVERAGE PRICE</translation>
+    </message>
+    <message id="lugar_cuisines_subheader">
+        <source>lugar_cuisines_subheader</source>
+        <translation>CUISINE</translation>
+    </message>
+    <message id="lugar_hours_subheader">
+        <source>lugar_hours_subheader</source>
+        <translation>OPENING HOURS</translation>
+    </message>
+    <message id="lugar_make_a_call">
+        <source>lugar_make_a_call</source>
+        <translation>Call</translation>
+    </message>
+    <message id="lugar_no_phone_numbers">
+        <source>lugar_no_phone_numbers</source>
+        <translation>No phone number</translation>
+    </message>
+    <message id="lugar_gallery">
+        <source>lugar_gallery</source>
+        <translation>Photos</translation>
+    </message>
+    <message id="lugar_offers">
+        <source>lugar_offers</source>
+        <translation>Offers</translation>
+    </message>
+    <message id="lugar_menu">
+        <source>lugar_menu</source>
+        <translation>Menu</translation>
+    </message>
+    <message id="lugar_moreinfo">
+        <source>lugar_moreinfo</source>
+        <translation>More information</translation>
+    </message>
+    <message id="lugar_notes_on_RESTAURANT_NAME">
+        <source>lugar_notes_on_RESTAURANT_NAME</source>
+        <translation>Your notes on {RESTAURANT_NAME}</translation>
+    </message>
+    <message id="lugar_add_to_my_places">
+        <source>lugar_add_to_my_places</source>
+        <translation>Save to my places</translation>
+    </message>
+    <message id="lugar_cameraicon_number_of_pictures">
+        <source>lugar_cameraicon_number_of_pictures</source>
+        <translation>&lt;fotos-icon&gt;{I}&lt;/fotos-icon&gt;&lt;fotos&gt; {N} PHOTOS&lt;/fotos&gt;</translation>
+    </message>
+    <message id="map_title">
+        <source>map_title</source>
+        <translation>Map</translation>
+    </message>
+    <message id="menu_title">
+        <source>menu_title</source>
+        <translation>Menu</translation>
+    </message>
+    <message id="moreinfo_title">
+        <source>moreinfo_title</source>
+        <translation>More information</translation>
+    </message>
+    <message id="moreinfo_rest_group_header">
+        <source>moreinfo_rest_group_header</source>
+        <translation>GROUP</translation>
+    </message>
+    <message id="moreinfo_service_types_header">
+        <source>moreinfo_service_types_header</source>
+        <translation>SERVICES</translation>
+    </message>
+    <message id="moreinfo_place_options_header">
+        <source>moreinfo_place_options_header</source>
+        <translation>FACILITIES</translation>
+    </message>
+    <message id="moreinfo_payment_options_header">
+        <source>moreinfo_payment_options_header</source>
+        <translation>PAYMENT</translation>
+    </message>
+    <message id="moreinfo_website_header">
+        <source>moreinfo_website_header</source>
+        <translation>WEBSITE</translation>
+    </message>
+    <message id="moreinfo_email_header">
+        <source>moreinfo_email_header</source>
+        <translation>EMAIL</translation>
+    </message>
+    <message id="phone_copy">
+        <source>phone_copy</source>
+        <translation>Copy</translation>
+    </message>
+    <message id="phones_cancel">
+        <source>phones_cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message id="save_myplaces_save_to_my_places">
+        <source>save_myplaces_save_to_my_places</source>
+        <translation>Save to my places</translation>
+    </message>
+    <message id="save_myplaces_favorite">
+        <source>save_myplaces_favorite</source>
+        <translation>Favourite</translation>
+    </message>
+    <message id="save_myplaces_visited">
+        <source>save_myplaces_visited</source>
+        <translation>Visited</translation>
+    </message>
+    <message id="save_myplaces_tovisit">
+        <source>save_myplaces_tovisit</source>
+        <translation>To visit</translation>
+    </message>
+    <message id="save_myplaces_cancel">
+        <source>save_myplaces_cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message id="save_myplaces_done">
+        <source>save_myplaces_done</source>
+        <translation>Saved</translation>
+    </message>
+    <message id="myplaces_title">
+        <source>myplaces_title</source>
+        <translation>My places</translation>
+    </message>
+    <message id="myplaces_explore">
+        <source>myplaces_explore</source>
+        <translation>Explore places</translation>
+    </message>
+    <message id="myplaces_favorites">
+        <source>myplaces_favorites</source>
+        <translation>Favourites</translation>
+    </message>
+    <message id="myplaces_visited">
+        <source>myplaces_visited</source>
+        <translation>Visited</translation>
+    </message>
+    <message id="myplaces_tovisit">
+        <source>myplaces_tovisit</source>
+        <translation>To visit</translation>
+    </message>
+    <message id="myplaces_save_favorites_by_tapping_ICON_myplaces">
+        <source>myplaces_save_favorites_by_tapping_ICON_myplaces</source>
+        <translation>&lt;msg&gt;No favourites yet. Tap &lt;msg-icon&gt;{I}&lt;/msg-icon&gt; on a place's card and mark it as a favourite to keep it close at hand.&lt;/msg&gt;</translation>
+    </message>
+    <message id="myplaces_save_visited_by_tapping_ICON_myplaces">
+        <source>myplaces_save_visited_by_tapping_ICON_myplaces</source>
+        <translation>&lt;msg&gt;The places you have been to will show here. Tap &lt;msg-icon&gt;{I}&lt;/msg-icon&gt; on a place's card and mark it as visited.&lt;/msg&gt;</translation>
+    </message>
+    <message id="myplaces_save_to_visit_by_tapping_ICON_myplaces">
+        <source>myplaces_save_to_visit_by_tapping_ICON_myplaces</source>
+        <translation>&lt;msg&gt;Somewhere you'd like to try? Tap &lt;msg-icon&gt;{I}&lt;/msg-icon&gt; on its card and mark it as to visit.&lt;/msg&gt;</translation>
+    </message>
+    <message id="settings_title">
+        <source>settings_title</source>
+        <translation>Settings</translation>
+    </message>
+    <message id="settings_header_language">
+        <source>settings_header_language</source>
+        <translation>LANGUAGE</translation>
+    </message>
+    <message id="settings_header_notifications">
+        <source>settings_header_notifications</source>
+        <translation>NOTIFICATIONS</translation>
+    </message>
+    <message id="settings_receive_notifications">
+        <source>settings_receive_notifications</source>
+        <translation>News by SMS</translation>
+    </message>
+    <message id="settings_subscribed_yes">
+        <source>settings_subscribed_yes</source>
+        <translation>On</translation>
+    </message>
+    <message id="settings_subscribed_no">
+        <source>settings_subscribed_no</source>
+        <translation>Off</translation>
+    </message>
+    <message id="settings_header_places_out_of_service">
+        <source>settings_header_places_out_of_service</source>
+        <translation>CLOSED PLACES</translation>
+    </message>
+    <message id="settings_show_closed_places">
+        <source>settings_show_closed_places</source>
+        <translation>Show closed places</translation>
+    </message>
+    <message id="settings_analytics">
+        <source>settings_analytics</source>
+        <translation>USAGE STATISTICS</translation>
+    </message>
+    <message id="settings_enable_analytics">
+        <source>settings_enable_analytics</source>
+        <translation>Send anonymous statistics</translation>
+    </message>
+    <message id="info_header_version">
+        <source>info_header_version</source>
+        <translation>CATALOGUE</translation>
+    </message>
+    <message id="info_version">
+        <source>info_version</source>
+        <translation>Version</translation>
+    </message>
+    <message id="info_db_outdated">
+        <source>info_db_outdated</source>
+        <translation>a newer one is available</translation>
+    </message>
+    <message id="info_db_up_to_date">
+        <source>info_db_up_to_date</source>
+        <translation>up to date</translation>
+    </message>
+    <message id="info_update_db">
+        <source>info_update_db</source>
+        <translation>Update</translation>
+    </message>
+    <message id="info_updating">
+        <source>info_updating</source>
+        <translation>Updating the catalogue…</translation>
+    </message>
+    <message id="info_cancel_update">
+        <source>info_cancel_update</source>
+        <translation>Cancel</translation>
+    </message>
+    <message id="info_applying_patches">
+        <source>info_applying_patches</source>
+        <translation>Applying the changes…</translation>
+    </message>
+    <message id="info_header_contact">
+        <source>info_header_contact</source>
+        <translation>CONTACT</translation>
+    </message>
+    <message id="info_subheader_website">
+        <source>info_subheader_website</source>
+        <translation>Website</translation>
+    </message>
+    <message id="info_subheader_email">
+        <source>info_subheader_email</source>
+        <translation>Email</translation>
+    </message>
+    <message id="info_subheader_social_networks">
+        <source>info_subheader_social_networks</source>
+        <translation>Social networks</translation>
+    </message>
+    <message id="info_rate_app">
+        <source>info_rate_app</source>
+        <translation>Rate Velmora</translation>
+    </message>
+    <message id="info_shake_app_to_get_fortunes">
+        <source>info_shake_app_to_get_fortunes</source>
+        <translation>Shake your phone for a surprise</translation>
+    </message>
+    <message id="careful_with_the_shaking">
+        <source>careful_with_the_shaking</source>
+        <translation>Careful! Keep shaking your {DEVICE} like that and it will end up on the floor. Take a break.</translation>
+    </message>
+    <message id="subscribe_intro_text">
+        <source>subscribe_intro_text</source>
+        <translation>Want to hear about new places and offers in your province? We'll let you know by SMS.</translation>
+    </message>
+    <message id="subscribe_intro_not_now">
+        <source>subscribe_intro_not_now</source>
+        <translation>Not now</translation>
+    </message>
+    <message id="subscribe_intro_yes_sure">
+        <source>subscribe_intro_yes_sure</source>
+        <translation>Yes, please!</translation>
+    </message>
+    <message id="notifications_provinces_select_provinces">
+        <source>notifications_provinces_select_provinces</source>
+        <translation>Choose the provinces you care about</translation>
+    </message>
+    <message id="notifications_provinces_select_all">
+        <source>notifications_provinces_select_all</source>
+        <translation>All of them</translation>
+    </message>
+    <message id="notifications_provinces_finish">
+        <source>notifications_provinces_finish</source>
+        <translation>Done</translation>
+    </message>
+    <message id="notifications_provinces_will_send_an_sms">
+        <source>notifications_provinces_will_send_an_sms</source>
+        <translation>We'll send one SMS to sign you up</translation>
+    </message>
+    <message id="subscribe_sms_body_intro">
+        <source>subscribe_sms_body_intro</source>
+        <translation>Join</translation>
+    </message>
+    <message id="wt_help_us_find_the_database">
+        <source>wt_help_us_find_the_database</source>
+        <translation>To start, Velmora needs its restaurant catalogue. How would you like to get it?</translation>
+    </message>
+    <message id="wt_action_download">
+        <source>wt_action_download</source>
+        <translation>Download it now</translation>
+    </message>
+    <message id="wt_action_copy_with_itunes">
+        <source>wt_action_copy_with_itunes</source>
+        <translation>Copy it from a computer</translation>
+    </message>
+    <message id="open_itunes_and_connect_your_DEVICE">
+        <source>open_itunes_and_connect_your_DEVICE</source>
+        <translation>Connect your &lt;u&gt;{DEVICE}&lt;/u&gt; to the computer and open its file manager.</translation>
+    </message>
+    <message id="go_to_applications">
+        <source>go_to_applications</source>
+        <translation>Go to the device's &lt;u&gt;apps&lt;/u&gt;.</translation>
+    </message>
+    <message id="in_shared_files_click_the_app_velmora">
+        <source>in_shared_files_click_the_app_velmora</source>
+        <translation>Under &lt;u&gt;file sharing&lt;/u&gt;, choose &lt;u&gt;Velmora&lt;/u&gt;.</translation>
+    </message>
+    <message id="add_the_file_to_the_documents_panel">
+        <source>add_the_file_to_the_documents_panel</source>
+        <translation>Add the catalogue's &lt;u&gt;.vmr&lt;/u&gt; file to its documents.
+&lt;c&gt;Velmora opens it as soon as it arrives.&lt;/c&gt;</translation>
+    </message>
+    <message id="itunes_cancel">
+        <source>itunes_cancel</source>
+        <translation>Back</translation>
+    </message>
+    <message id="wt_start">
+        <source>wt_start</source>
+        <translation>Start</translation>
+    </message>
+    <message id="downloading_database">
+        <source>downloading_database</source>
+        <translation>Downloading the catalogue…</translation>
+    </message>
+    <message id="download_cancel">
+        <source>download_cancel</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+</TS>

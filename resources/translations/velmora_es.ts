@@ -1,0 +1,448 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es">
+<context>
+    <name></name>
+    <message id="sidemenu_search">
+        <source>sidemenu_search</source>
+        <translation>Buscar</translation>
+    </message>
+    <message id="sidemenu_map">
+        <source>sidemenu_map</source>
+        <translation>Mapa</translation>
+    </message>
+    <message id="sidemenu_myplaces">
+        <source>sidemenu_myplaces</source>
+        <translation>Mis lugares</translation>
+    </message>
+    <message id="sidemenu_notifications">
+        <source>sidemenu_notifications</source>
+        <translation>Notificaciones</translation>
+    </message>
+    <message id="sidemenu_info">
+        <source>sidemenu_info</source>
+        <translation>Información</translation>
+    </message>
+    <message id="sidemenu_settings">
+        <source>sidemenu_settings</source>
+        <translation>Ajustes</translation>
+    </message>
+    <message id="notifications_receive_more_info">
+        <source>notifications_receive_more_info</source>
+        <translation>Recibe novedades por SMS</translation>
+    </message>
+    <message id="search_discover">
+        <source>search_discover</source>
+        <translation>Descubre</translation>
+    </message>
+    <message id="search_places">
+        <source>search_places</source>
+        <translation>Lugares</translation>
+    </message>
+    <message id="search_offers">
+        <source>search_offers</source>
+        <translation>Ofertas</translation>
+    </message>
+    <message id="discover_promo_badge">
+        <source>discover_promo_badge</source>
+        <translation>DESTACADO</translation>
+    </message>
+    <message id="discover_ad_badge">
+        <source>discover_ad_badge</source>
+        <translation>ANUNCIO</translation>
+    </message>
+    <message id="adv_email_subject">
+        <source>adv_email_subject</source>
+        <translation>Consulta desde Velmora</translation>
+    </message>
+    <message id="offers_title">
+        <source>offers_title</source>
+        <translation>Ofertas</translation>
+    </message>
+    <message id="filters_title">
+        <source>filters_title</source>
+        <translation>Filtros</translation>
+    </message>
+    <message id="filters_clear_all">
+        <source>filters_clear_all</source>
+        <translation>Quitar todos</translation>
+    </message>
+    <message id="filters_filter_action">
+        <source>filters_filter_action</source>
+        <translation>Ver lugares</translation>
+    </message>
+    <message id="filters_row_all">
+        <source>filters_row_all</source>
+        <translation>Todos</translation>
+    </message>
+    <message id="filters_price_rank_upto_7">
+        <source>filters_price_rank_upto_7</source>
+        <translation>Hasta $7</translation>
+    </message>
+    <message id="filters_price_rank_7_to_14">
+        <source>filters_price_rank_7_to_14</source>
+        <translation>De $7 a $14</translation>
+    </message>
+    <message id="filters_price_rank_14_to_21">
+        <source>filters_price_rank_14_to_21</source>
+        <translation>De $14 a $21</translation>
+    </message>
+    <message id="filters_price_rank_21_to_29">
+        <source>filters_price_rank_21_to_29</source>
+        <translation>De $21 a $29</translation>
+    </message>
+    <message id="filters_price_rank_over_29">
+        <source>filters_price_rank_over_29</source>
+        <translation>Más de $29</translation>
+    </message>
+    <message id="provinces_number_of_places">
+        <source>provinces_number_of_places</source>
+        <translation>{N} lugares</translation>
+    </message>
+    <message id="lugar_info_header">
+        <source>lugar_info_header</source>
+        <translation>INFORMACIÓN</translation>
+    </message>
+    <message id="lugar_place_out_of_service">
+        <source>lugar_place_out_of_service</source>
+        <translation>Cerrado temporalmente</translation>
+    </message>
+    <message id="lugar_place_out_of_service_reason">
+        <source>lugar_place_out_of_service_reason</source>
+        <translation>Motivo: {REASON}</translation>
+    </message>
+    <message id="lugar_place_out_of_service_reason_unknown">
+        <source>lugar_place_out_of_service_reason_unknown</source>
+        <translation>No sabemos el motivo ni hasta cuándo.</translation>
+    </message>
+    <message id="lugar_address_subheader">
+        <source>lugar_address_subheader</source>
+        <translation>DIRECCIÓN</translation>
+    </message>
+    <message id="lugar_avg_price_subheader">
+        <source>lugar_avg_price_subheader</source>
+        <translation>PRECIO MEDIO</translation>
+    </message>
+    <message id="lugar_cuisines_subheader">
+        <source>lugar_cuisines_subheader</source>
+        <translation>COCINA</translation>
+    </message>
+    <message id="lugar_hours_subheader">
+        <source>lugar_hours_subheader</source>
+        <translation>HORARIO</translation>
+    </message>
+    <message id="lugar_make_a_call">
+        <source>lugar_make_a_call</source>
+        <translation>Llamar</translation>
+    </message>
+    <message id="lugar_no_phone_numbers">
+        <source>lugar_no_phone_numbers</source>
+        <translation>Sin teléfono</translation>
+    </message>
+    <message id="lugar_gallery">
+        <source>lugar_gallery</source>
+        <translation>Fotos</translation>
+    </message>
+    <message id="lugar_offers">
+        <source>lugar_offers</source>
+        <translation>Ofertas</translation>
+    </message>
+    <message id="lugar_menu">
+        <source>lugar_menu</source>
+        <translation>Carta</translation>
+    </message>
+    <message id="lugar_moreinfo">
+        <source>lugar_moreinfo</source>
+        <translation>Más información</translation>
+    </message>
+    <message id="lugar_notes_on_RESTAURANT_NAME">
+        <source>lugar_notes_on_RESTAURANT_NAME</source>
+        <translation>Tus notas sobre {RESTAURANT_NAME}</translation>
+    </message>
+    <message id="lugar_add_to_my_places">
+        <source>lugar_add_to_my_places</source>
+        <translation>Guardar en mis lugares</translation>
+    </message>
+    <message id="lugar_cameraicon_number_of_pictures">
+        <source>lugar_cameraicon_number_of_pictures</source>
+        <translation>&lt;fotos-icon&gt;{I}&lt;/fotos-icon&gt;&lt;fotos&gt; {N} FOTOS&lt;/fotos&gt;</translation>
+    </message>
+    <message id="map_title">
+        <source>map_title</source>
+        <translation>Mapa</translation>
+    </message>
+    <message id="menu_title">
+        <source>menu_title</source>
+        <translation>Carta</translation>
+    </message>
+    <message id="moreinfo_title">
+        <source>moreinfo_title</source>
+        <translation>Más información</translation>
+    </message>
+    <message id="moreinfo_rest_group_header">
+        <source>moreinfo_rest_group_header</source>
+        <translation>GRUPO</translation>
+    </message>
+    <message id="moreinfo_service_types_header">
+        <source>moreinfo_service_types_header</source>
+        <translation>SERVICIOS</translation>
+    </message>
+    <message id="moreinfo_place_options_header">
+        <source>moreinfo_place_options_header</source>
+        <translation>INSTALACIONES</translation>
+    </message>
+    <message id="moreinfo_payment_options_header">
+        <source>moreinfo_payment_options_header</source>
+        <translation>FORMAS DE PAGO</translation>
+    </message>
+    <message id="moreinfo_website_header">
+        <source>moreinfo_website_header</source>
+        <translation>SITIO WEB</translation>
+    </message>
+    <message id="moreinfo_email_header">
+        <source>moreinfo_email_header</source>
+        <translation>CORREO ELECTRÓNICO</translation>
+    </message>
+    <message id="phone_copy">
+        <source>phone_copy</source>
+        <translation>Copiar</translation>
+    </message>
+    <message id="phones_cancel">
+        <source>phones_cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message id="save_myplaces_save_to_my_places">
+        <source>save_myplaces_save_to_my_places</source>
+        <translation>Guardar en mis lugares</translation>
+    </message>
+    <message id="save_myplaces_favorite">
+        <source>save_myplaces_favorite</source>
+        <translation>Favorito</translation>
+    </message>
+    <message id="save_myplaces_visited">
+        <source>save_myplaces_visited</source>
+        <translation>Visitado</translation>
+    </message>
+    <message id="save_myplaces_tovisit">
+        <source>save_myplaces_tovisit</source>
+        <translation>Por visitar</translation>
+    </message>
+    <message id="save_myplaces_cancel">
+        <source>save_myplaces_cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message id="save_myplaces_done">
+        <source>save_myplaces_done</source>
+        <translation>Guardado</translation>
+    </message>
+    <message id="myplaces_title">
+        <source>myplaces_title</source>
+        <translation>Mis lugares</translation>
+    </message>
+    <message id="myplaces_explore">
+        <source>myplaces_explore</source>
+        <translation>Explorar lugares</translation>
+    </message>
+    <message id="myplaces_favorites">
+        <source>myplaces_favorites</source>
+        <translation>Favoritos</translation>
+    </message>
+    <message id="myplaces_visited">
+        <source>myplaces_visited</source>
+        <translation>Visitados</translation>
+    </message>
+    <message id="myplaces_tovisit">
+        <source>myplaces_tovisit</source>
+        <translation>Por visitar</translation>
+    </message>
+    <message id="myplaces_save_favorites_by_tapping_ICON_myplaces">
+        <source>myplaces_save_favorites_by_tapping_ICON_myplaces</source>
+        <translation>&lt;msg&gt;Aún no tienes favoritos. Toca &lt;msg-icon&gt;{I}&lt;/msg-icon&gt; en la ficha de un lugar y márcalo como favorito para tenerlo siempre a mano.&lt;/msg&gt;</translation>
+    </message>
+    <message id="myplaces_save_visited_by_tapping_ICON_myplaces">
+        <source>myplaces_save_visited_by_tapping_ICON_myplaces</source>
+        <translation>&lt;msg&gt;Aquí verás los lugares donde ya has estado. Toca &lt;msg-icon&gt;{I}&lt;/msg-icon&gt; en la ficha de un lugar y márcalo como visitado.&lt;/msg&gt;</translation>
+    </message>
+    <message id="myplaces_save_to_visit_by_tapping_ICON_myplaces">
+        <source>myplaces_save_to_visit_by_tapping_ICON_myplaces</source>
+        <translation>&lt;msg&gt;¿Algún lugar que quieras probar? Toca &lt;msg-icon&gt;{I}&lt;/msg-icon&gt; en su ficha y márcalo como por visitar.&lt;/msg&gt;</translation>
+    </message>
+    <message id="settings_title">
+        <source>settings_title</source>
+        <translation>Ajustes</translation>
+    </message>
+    <message id="settings_header_language">
+        <source>settings_header_language</source>
+        <translation>IDIOMA</translation>
+    </message>
+    <message id="settings_header_notifications">
+        <source>settings_header_notifications</source>
+        <translation>NOTIFICACIONES</translation>
+    </message>
+    <message id="settings_receive_notifications">
+        <source>settings_receive_notifications</source>
+        <translation>Novedades por SMS</translation>
+    </message>
+    <message id="settings_subscribed_yes">
+        <source>settings_subscribed_yes</source>
+        <translation>Activadas</translation>
+    </message>
+    <message id="settings_subscribed_no">
+        <source>settings_subscribed_no</source>
+        <translation>Desactivadas</translation>
+    </message>
+    <message id="settings_header_places_out_of_service">
+        <source>settings_header_places_out_of_service</source>
+        <translation>LUGARES CERRADOS</translation>
+    </message>
+    <message id="settings_show_closed_places">
+        <source>settings_show_closed_places</source>
+        <translation>Mostrar lugares cerrados</translation>
+    </message>
+    <message id="settings_analytics">
+        <source>settings_analytics</source>
+        <translation>ESTADÍSTICAS DE USO</translation>
+    </message>
+    <message id="settings_enable_analytics">
+        <source>settings_enable_analytics</source>
+        <translation>Enviar estadísticas anónimas</translation>
+    </message>
+    <message id="info_header_version">
+        <source>info_header_version</source>
+        <translation>CATÁLOGO</translation>
+    </message>
+    <message id="info_version">
+        <source>info_version</source>
+        <translation>Versión</translation>
+    </message>
+    <message id="info_db_outdated">
+        <source>info_db_outdated</source>
+        <translation>hay una versión más nueva</translation>
+    </message>
+    <message id="info_db_up_to_date">
+        <source>info_db_up_to_date</source>
+        <translation>al día</translation>
+    </message>
+    <message id="info_update_db">
+        <source>info_update_db</source>
+        <translation>Actualizar</translation>
+    </message>
+    <message id="info_updating">
+        <source>info_updating</source>
+        <translation>Actualizando el catálogo…</translation>
+    </message>
+    <message id="info_cancel_update">
+        <source>info_cancel_update</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message id="info_applying_patches">
+        <source>info_applying_patches</source>
+        <translation>Aplicando los cambios…</translation>
+    </message>
+    <message id="info_header_contact">
+        <source>info_header_contact</source>
+        <translation>CONTACTO</translation>
+    </message>
+    <message id="info_subheader_website">
+        <source>info_subheader_website</source>
+        <translation>Sitio web</translation>
+    </message>
+    <message id="info_subheader_email">
+        <source>info_subheader_email</source>
+        <translation>Correo</translation>
+    </message>
+    <message id="info_subheader_social_networks">
+        <source>info_subheader_social_networks</source>
+        <translation>Redes sociales</translation>
+    </message>
+    <message id="info_rate_app">
+        <source>info_rate_app</source>
+        <translation>Valora Velmora</translation>
+    </message>
+    <message id="info_shake_app_to_get_fortunes">
+        <source>info_shake_app_to_get_fortunes</source>
+        <translation>Agita el teléfono y llévate una sorpresa</translation>
+    </message>
+    <message id="careful_with_the_shaking">
+        <source>careful_with_the_shaking</source>
+        <translation>¡Cuidado! Si sigues agitando así tu {DEVICE}, acabará por los suelos. Descansa un momento.</translation>
+    </message>
+    <message id="subscribe_intro_text">
+        <source>subscribe_intro_text</source>
+        <translation>¿Quieres enterarte de los lugares nuevos y las ofertas de tu provincia? Te avisamos por SMS.</translation>
+    </message>
+    <message id="subscribe_intro_not_now">
+        <source>subscribe_intro_not_now</source>
+        <translation>Ahora no</translation>
+    </message>
+    <message id="subscribe_intro_yes_sure">
+        <source>subscribe_intro_yes_sure</source>
+        <translation>¡Sí, claro!</translation>
+    </message>
+    <message id="notifications_provinces_select_provinces">
+        <source>notifications_provinces_select_provinces</source>
+        <translation>Elige las provincias que te interesan</translation>
+    </message>
+    <message id="notifications_provinces_select_all">
+        <source>notifications_provinces_select_all</source>
+        <translation>Todas</translation>
+    </message>
+    <message id="notifications_provinces_finish">
+        <source>notifications_provinces_finish</source>
+        <translation>Listo</translation>
+    </message>
+    <message id="notifications_provinces_will_send_an_sms">
+        <source>notifications_provinces_will_send_an_sms</source>
+        <translation>Enviaremos un SMS para darte de alta</translation>
+    </message>
+    <message id="subscribe_sms_body_intro">
+        <source>subscribe_sms_body_intro</source>
+        <translation>Alta</translation>
+    </message>
+    <message id="wt_help_us_find_the_database">
+        <source>wt_help_us_find_the_database</source>
+        <translation>Para empezar, Velmora necesita su catálogo de restaurantes. ¿Cómo quieres conseguirlo?</translation>
+    </message>
+    <message id="wt_action_download">
+        <source>wt_action_download</source>
+        <translation>Descargarlo ahora</translation>
+    </message>
+    <message id="wt_action_copy_with_itunes">
+        <source>wt_action_copy_with_itunes</source>
+        <translation>Copiarlo desde un ordenador</translation>
+    </message>
+    <message id="open_itunes_and_connect_your_DEVICE">
+        <source>open_itunes_and_connect_your_DEVICE</source>
+        <translation>Conecta tu &lt;u&gt;{DEVICE}&lt;/u&gt; al ordenador y abre su gestor de archivos.</translation>
+    </message>
+    <message id="go_to_applications">
+        <source>go_to_applications</source>
+        <translation>Entra en las &lt;u&gt;aplicaciones&lt;/u&gt; del dispositivo.</translation>
+    </message>
+    <message id="in_shared_files_click_the_app_velmora">
+        <source>in_shared_files_click_the_app_velmora</source>
+        <translation>En &lt;u&gt;archivos compartidos&lt;/u&gt;, elige &lt;u&gt;Velmora&lt;/u&gt;.</translation>
+    </message>
+    <message id="add_the_file_to_the_documents_panel">
+        <source>add_the_file_to_the_documents_panel</source>
+        <translation>Añade el archivo &lt;u&gt;.vmr&lt;/u&gt; del catálogo a sus documentos.
+&lt;c&gt;Velmora lo abrirá en cuanto llegue.&lt;/c&gt;</translation>
+    </message>
+    <message id="itunes_cancel">
+        <source>itunes_cancel</source>
+        <translation>Volver</translation>
+    </message>
+    <message id="wt_start">
+        <source>wt_start</source>
+        <translation>Empezar</translation>
+    </message>
+    <message id="downloading_database">
+        <source>downloading_database</source>
+        <translation>Descargando el catálogo…</translation>
+    </message>
+    <message id="download_cancel">
+        <source>download_cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+</context>
+</TS>

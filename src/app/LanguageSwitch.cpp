@@ -1,0 +1,12 @@
+#include "app/LanguageSwitch.h"
+
+#include "catalogue/Restaurants.h"
+#include "platform/Localize.h"
+
+void switchLanguage(Restaurants &restaurants, const QString &code)
+{
+    if (code == Localize::currentLanguage())
+        return;
+    restaurants.setLanguage(code);
+    Localize::setCurrentLanguage(code);
+}
