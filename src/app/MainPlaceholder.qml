@@ -50,7 +50,7 @@ Item {
             Text {
                 id: count
                 anchors { right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
-                text: modelData.places + (modelData.places === 1 ? " place" : " places")
+                text: qsTrId("provinces_number_of_places").replace("{N}", modelData.places)
                 color: "#A29476"
                 font.pixelSize: 14
             }

@@ -5,6 +5,7 @@
 #include <sqlcipher/sqlite3.h>
 
 std::atomic<int> Database::s_keyedConnections{0};
+std::atomic<int> Database::s_preparedStatements{0};
 
 namespace {
 // A busy catalogue file (a patch being applied beside a reader) is waited for, not failed.
@@ -113,6 +114,7 @@ ResultSet Database::executeQuery(const QString &sql, const QVariantList &argumen
     clearError();
     sqlite3_stmt *statement = nullptr;
     const QByteArray utf8 = sql.toUtf8();
+    ++s_preparedStatements;
     if (sqlite3_prepare_v2(m_db, utf8.constData(), int(utf8.size()), &statement, nullptr) != SQLITE_OK) {
         recordError();
         sqlite3_finalize(statement);

@@ -57,6 +57,8 @@ public:
 
     // How many connections were given a key in this process: each costs a key derivation.
     static int keyedConnectionCount() { return s_keyedConnections.load(); }
+    // How many statements were prepared in this process: tells a cache hit from a query.
+    static int preparedStatementCount() { return s_preparedStatements.load(); }
 
 private:
     void recordError();
@@ -67,4 +69,5 @@ private:
     QString m_lastError;
     int m_lastErrorCode = 0;
     static std::atomic<int> s_keyedConnections;
+    static std::atomic<int> s_preparedStatements;
 };

@@ -185,6 +185,13 @@ TEST(CatalogueLoad, ProvinceNamesFollowTheCatalogueLanguage)
     restaurants.setLanguage(QStringLiteral("es"));
     EXPECT_EQ(restaurants.province(1)->name, QStringLiteral("La Habana"));
     EXPECT_EQ(restaurants.price_ranks().name(2), QStringLiteral("Económico"));
+
+    // The test language names a province that no catalogue has; it must not create one.
+    restaurants.setLanguage(QStringLiteral("ejemplo"));
+    EXPECT_EQ(restaurants.province(1)->name, QStringLiteral("Habanorum"));
+    EXPECT_EQ(restaurants.province(2)->name, QStringLiteral("Matanzas"));
+    EXPECT_FALSE(restaurants.province(19));
+    EXPECT_EQ(restaurants.provinces().size(), 2);
 }
 
 // Catches: the first-run poller missing a file dropped into Documents, or never announcing it.
