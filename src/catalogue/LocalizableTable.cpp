@@ -1,5 +1,6 @@
 #include "catalogue/LocalizableTable.h"
 
+#include "catalogue/LanguageColumns.h"
 #include "platform/DatabaseQueue.h"
 #include "platform/Logging.h"
 
@@ -49,8 +50,7 @@ void LocalizableTable::loadIfEmpty()
 {
     if (!m_contents.isEmpty() || !m_dbq)
         return;
-    // Only "es" exactly reads the base column; every other language gets English.
-    const bool base = m_lang == QLatin1String("es");
+    const QString column = LanguageColumns::localized(QStringLiteral("name"), m_lang);
     m_dbq->inDatabase([&](Database &db) {
         if (!db.tableExists(m_tableName))
             return;
@@ -61,7 +61,7 @@ void LocalizableTable::loadIfEmpty()
         }
         while (rows.next()) {
             const int id = rows.intForColumn(QStringLiteral("id"));
-            const QString name = rows.stringForColumn(base ? QStringLiteral("name") : QStringLiteral("name_en"));
+            const QString name = rows.stringForColumn(column);
             if (name.isNull())
                 m_contents.remove(id);
             else

@@ -1,3 +1,4 @@
+#include "catalogue/LanguageColumns.h"
 #include "fixtures/TestHome.h"
 #include "platform/Database.h"
 
@@ -42,6 +43,17 @@ TEST(LocalizableTable, OnlyExactlyEsReadsTheBaseColumn)
         EXPECT_EQ(restaurants.cuisines().name(2),
                   language == QLatin1String("es") ? QStringLiteral("Italiana") : QStringLiteral("Italian"));
     }
+}
+
+// Catches: the ad rule made to agree with the others, or either rule matching loosely.
+TEST(LocalizableTable, ActionValueRuleIsTheOtherWayRound)
+{
+    for (const char *language : {"en", "en-GB", "english"})
+        EXPECT_EQ(LanguageColumns::actionValue(QString::fromLatin1(language)), QStringLiteral("action_value_en")) << language;
+    for (const char *language : {"es", "fr", "ejemplo", "EN", ""})
+        EXPECT_EQ(LanguageColumns::actionValue(QString::fromLatin1(language)), QStringLiteral("action_value")) << language;
+    EXPECT_EQ(LanguageColumns::localized(QStringLiteral("horario"), QStringLiteral("fr")), QStringLiteral("horario_en"));
+    EXPECT_EQ(LanguageColumns::localized(QStringLiteral("horario"), QStringLiteral("es")), QStringLiteral("horario"));
 }
 
 // Catches: a NULL English name falling back on the Spanish one, or leaving a stale entry.
