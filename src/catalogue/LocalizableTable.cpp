@@ -11,10 +11,9 @@ LocalizableTable::LocalizableTable(QString tableName)
 
 std::optional<QString> LocalizableTable::name(int id)
 {
-    QMutexLocker lock(&m_mutex);
-    if (!m_dbq)
+    if (!loadIfEmpty())
         return std::nullopt;
-    loadIfEmpty();
+    QMutexLocker lock(&m_mutex);
     const auto it = m_contents.constFind(id);
     if (it == m_contents.constEnd())
         return std::nullopt;
@@ -23,7 +22,6 @@ std::optional<QString> LocalizableTable::name(int id)
 
 void LocalizableTable::ensureLoaded()
 {
-    QMutexLocker lock(&m_mutex);
     loadIfEmpty();
 }
 
@@ -46,28 +44,44 @@ QMap<int, QString> LocalizableTable::contents() const
     return m_contents;
 }
 
-void LocalizableTable::loadIfEmpty()
+bool LocalizableTable::loadIfEmpty()
 {
-    if (!m_contents.isEmpty() || !m_dbq)
-        return;
-    const QString column = LanguageColumns::localized(QStringLiteral("name"), m_lang);
-    m_dbq->inDatabase([&](Database &db) {
+    std::shared_ptr<DatabaseQueue> queue;
+    QString language;
+    {
+        QMutexLocker lock(&m_mutex);
+        if (!m_dbq)
+            return false;
+        if (!m_contents.isEmpty())
+            return true;
+        queue = m_dbq;
+        language = m_lang;
+    }
+    // The read runs without this table's lock: readers of other records hold the catalogue's
+    // queue while they ask for names, so taking the two locks in the other order would deadlock.
+    const QString column = LanguageColumns::localized(QStringLiteral("name"), language);
+    QMap<int, QString> loaded;
+    queue->inDatabase([&](Database &db) {
         if (!db.tableExists(m_tableName))
             return;
-        ResultSet rows = db.executeQuery(QStringLiteral("SELECT id,name_en,name FROM `%1`").arg(m_tableName));
-        if (!rows.isValid()) {
+        const bool read = db.forEachRow(QStringLiteral("SELECT id,name_en,name FROM `%1`").arg(m_tableName), {},
+                                        [&](const ResultSet &row) {
+                                            const int id = row.intForColumn(QStringLiteral("id"));
+                                            const QString name = row.stringForColumn(column);
+                                            if (name.isNull())
+                                                loaded.remove(id);
+                                            else
+                                                loaded.insert(id, name);
+                                            return true;
+                                        });
+        if (!read) {
+            loaded.clear();
             qCCritical(lcCatalogue) << "Damaged catalogue: reading" << m_tableName << "failed:" << db.lastErrorMessage();
-            return;
         }
-        while (rows.next()) {
-            const int id = rows.intForColumn(QStringLiteral("id"));
-            const QString name = rows.stringForColumn(column);
-            if (name.isNull())
-                m_contents.remove(id);
-            else
-                m_contents.insert(id, name);
-        }
-        if (rows.failed())
-            qCCritical(lcCatalogue) << "Damaged catalogue: reading" << m_tableName << "failed:" << rows.errorMessage();
     });
+    QMutexLocker lock(&m_mutex);
+    // A language change during the read makes it stale; the next call loads again.
+    if (m_contents.isEmpty() && m_lang == language && m_dbq == queue)
+        m_contents = loaded;
+    return true;
 }

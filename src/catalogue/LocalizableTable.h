@@ -28,7 +28,8 @@ public:
     QMap<int, QString> contents() const;
 
 private:
-    void loadIfEmpty(); // with m_mutex held
+    // False with no queue.
+    bool loadIfEmpty();
 
     const QString m_tableName;
     mutable QMutex m_mutex;

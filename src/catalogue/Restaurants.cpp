@@ -393,6 +393,9 @@ void Restaurants::reload()
         QMutexLocker lock(&m_mutex);
         m_ready = false;
     }
+    // Campaigns and promotions change between catalogues; places, pictures and briefs keep their ids.
+    m_adImageCache.clear();
+    m_promoImageCache.clear();
     loadDatabase();
     if (ready())
         NotificationCenter::defaultCenter().post(Notifications::RestaurantsDidReload);

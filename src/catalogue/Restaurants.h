@@ -1,9 +1,12 @@
 #pragma once
 
+#include "catalogue/FifoCache.h"
 #include "catalogue/LocalizableTable.h"
 #include "catalogue/Province.h"
+#include "catalogue/Records.h"
 #include "catalogue/VerificationResult.h"
 
+#include <QByteArray>
 #include <QDate>
 #include <QHash>
 #include <QList>
@@ -89,6 +92,32 @@ public:
     LocalizableTable &place_options() { return m_place_options; }
     LocalizableTable &payment_options() { return m_payment_options; }
 
+    // Reads for the screens. Each answers its empty form when no catalogue is open, and when a
+    // statement fails on a catalogue that passed its probe (a damaged file, logged as such).
+    std::optional<Brief> brief(int id);
+    QList<PlaceLocation> allLocations() const;
+    QStringList phones(int id) const;
+    std::optional<RestaurantInfo> restaurantInfo(int id);
+    MoreInfo moreInfo(int id);
+    QByteArray profileImage(int id);
+    QList<int> galleryImageIds(int placeId) const;
+    QByteArray galleryImage(int id);
+    QString galleryImageCaption(int id) const;
+    // The offers of one place, or with `restaurant` -1 of every place of the province.
+    QList<Oferta> offers(int provinceId, int restaurant = -1) const;
+    QList<Promo> promos(int provinceId) const;
+    QByteArray promoImage(int promoId);
+    QList<Ad> ads() const;
+    std::optional<Ad> randomAd() const;
+    QByteArray adImage(int imageId);
+    std::optional<Menu> menu(int id) const;
+    QString subscriptionPhoneNumber() const;
+
+    // The picture caches, oldest first, for checks of their order.
+    QList<int> galleryImageCacheFIFO() const { return m_galleryImageCache.order(); }
+    QList<int> adImageCacheFIFO() const { return m_adImageCache.order(); }
+    QList<int> promoImageCacheFIFO() const { return m_promoImageCache.order(); }
+
     // Written by the price filter panel; no query depends on it.
     int pricePolicy = 0;
 
@@ -114,6 +143,9 @@ private:
     bool loadCuisinesAndVersion(DatabaseQueue &queue);
     void failLoad(const QString &reason);
     std::optional<int> provinceOfRestaurantLocked(int placeId) const;
+    enum class OnFailure { Damage, Quiet };
+    QByteArray cachedImage(FifoCache<QByteArray> &cache, int id, const QString &sql, OnFailure onFailure);
+    QStringList namesThroughLink(Database &db, const QString &sql, int placeId, LocalizableTable &table, bool &ok);
 
     const Environment m_env;
     const QMap<QString, QMap<int, QString>> m_localizedProvinceNames;
@@ -136,4 +168,11 @@ private:
     LocalizableTable m_service_types{QStringLiteral("service_types")};
     LocalizableTable m_place_options{QStringLiteral("place_options")};
     LocalizableTable m_payment_options{QStringLiteral("payment_options")};
+
+    // Language-free or first-language caches; each check-and-store is safe across threads.
+    FifoCache<Brief> m_briefCache;
+    FifoCache<QByteArray> m_profileImageCache;
+    FifoCache<QByteArray> m_galleryImageCache{11};
+    FifoCache<QByteArray> m_adImageCache{10};
+    FifoCache<QByteArray> m_promoImageCache{12};
 };

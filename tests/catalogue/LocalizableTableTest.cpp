@@ -1,6 +1,5 @@
 #include "catalogue/LanguageColumns.h"
 #include "fixtures/TestHome.h"
-#include "platform/Database.h"
 
 #include <gtest/gtest.h>
 
@@ -10,20 +9,11 @@ struct LanguageHome {
     explicit LanguageHome(const QString &language, CatalogueFixture fixture = CatalogueFixture::small())
     {
         fixture.cuisines.append({4, QStringLiteral("Fusión"), std::nullopt});
-        home.addCatalogue(fixture, QStringLiteral("velmora-20170101.db"));
-        restaurants = std::make_unique<Restaurants>(home.environment(language));
-        restaurants->reload();
+        restaurants = home.openCatalogue(fixture, language);
     }
     TestHome home;
     std::unique_ptr<Restaurants> restaurants;
 };
-
-int statementsDuring(const std::function<void()> &work)
-{
-    const int before = Database::preparedStatementCount();
-    work();
-    return Database::preparedStatementCount() - before;
-}
 }
 
 // Catches: a language other than exactly "es" reading the Spanish column (a case-insensitive or
@@ -75,8 +65,8 @@ TEST(LocalizableTable, LoadsOnceUnlessEmpty)
     LocalizableTable &ranks = home.restaurants->price_ranks();
     ranks.setLanguage(QStringLiteral("es"));
     EXPECT_TRUE(ranks.contents().isEmpty());
-    EXPECT_GT(statementsDuring([&] { EXPECT_EQ(ranks.name(3), QStringLiteral("Moderado")); }), 0);
-    EXPECT_EQ(statementsDuring([&] {
+    EXPECT_GT(preparedStatementsDuring([&] { EXPECT_EQ(ranks.name(3), QStringLiteral("Moderado")); }), 0);
+    EXPECT_EQ(preparedStatementsDuring([&] {
                   EXPECT_EQ(ranks.name(4), QStringLiteral("Caro"));
                   EXPECT_EQ(ranks.name(99), std::nullopt);
               }), 0);
@@ -84,7 +74,7 @@ TEST(LocalizableTable, LoadsOnceUnlessEmpty)
 
     // The fixture never fills restaurant_groups: empty means "not loaded", so each call asks again.
     for (int attempt = 0; attempt < 2; ++attempt)
-        EXPECT_GT(statementsDuring([&] { EXPECT_EQ(home.restaurants->restaurant_groups().name(1), std::nullopt); }), 0);
+        EXPECT_GT(preparedStatementsDuring([&] { EXPECT_EQ(home.restaurants->restaurant_groups().name(1), std::nullopt); }), 0);
 
     CatalogueFixture withoutTable = CatalogueFixture::small();
     withoutTable.omitTables = {QStringLiteral("service_types")};
