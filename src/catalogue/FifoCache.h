@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QList>
 #include <QMutex>
+#include <mutex>
 
 #include <optional>
 
@@ -62,7 +63,7 @@ public:
 
 private:
     const int m_limit;
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QHash<int, Value> m_values;
     QList<int> m_order;
 };

@@ -2,6 +2,7 @@
 
 #include <QMap>
 #include <QMutex>
+#include <mutex>
 #include <QString>
 
 #include <memory>
@@ -32,7 +33,7 @@ private:
     bool loadIfEmpty();
 
     const QString m_tableName;
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QMap<int, QString> m_contents;
     std::shared_ptr<DatabaseQueue> m_dbq;
     QString m_lang;

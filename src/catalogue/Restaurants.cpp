@@ -20,7 +20,7 @@ const QString Restaurants::dbkey = QStringLiteral("Kr4{]%Tgpw");
 
 namespace {
 std::unique_ptr<Restaurants> sharedInstance;
-QMutex sharedMutex;
+std::mutex sharedMutex;
 
 const QString versionDateQuery = QStringLiteral("SELECT val FROM extras WHERE key = 'version_date'");
 const QString probeQuery = QStringLiteral("SELECT id FROM price_ranks LIMIT 1");

@@ -12,6 +12,7 @@
 #include <QList>
 #include <QMap>
 #include <QMutex>
+#include <mutex>
 #include <QSet>
 #include <QString>
 
@@ -150,8 +151,8 @@ private:
     const Environment m_env;
     const QMap<QString, QMap<int, QString>> m_localizedProvinceNames;
 
-    mutable QMutex m_mutex;     // guards the fields below
-    QMutex m_loadMutex;         // one load at a time, whichever thread asks
+    mutable std::mutex m_mutex;     // guards the fields below
+    std::mutex m_loadMutex;         // one load at a time, whichever thread asks
     std::shared_ptr<DatabaseQueue> m_dbq;
     QMap<int, std::shared_ptr<Province>> m_provinces;
     QHash<int, int> m_mun_to_prov;

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <QMutex>
+#include <mutex>
 #include <QTranslator>
 
 #include <map>
@@ -61,7 +62,7 @@ public:
     }
 
 private:
-    QMutex m_mutex;
+    std::mutex m_mutex;
     std::map<QString, std::unique_ptr<QTranslator>> m_translators;
     QTranslator *m_installed = nullptr;
 };

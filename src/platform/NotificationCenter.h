@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QMutex>
+#include <mutex>
 #include <QObject>
 #include <QPointer>
 #include <QVariant>
@@ -35,7 +36,7 @@ private:
         Handler handler;
         quint64 serial;
     };
-    QMutex m_mutex;
+    std::mutex m_mutex;
     std::vector<Observer> m_observers;
     quint64 m_nextSerial = 0;
 };

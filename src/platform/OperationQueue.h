@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMutex>
+#include <mutex>
 #include <QThreadPool>
 
 #include <atomic>
@@ -55,6 +56,6 @@ public:
 
 private:
     QThreadPool m_pool;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     std::vector<std::weak_ptr<Operation>> m_operations;
 };

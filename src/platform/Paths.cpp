@@ -2,10 +2,11 @@
 
 #include <QDir>
 #include <QMutex>
+#include <mutex>
 #include <QStandardPaths>
 
 namespace {
-QMutex rootMutex;
+std::mutex rootMutex;
 QString currentRoot;
 }
 

@@ -1,10 +1,11 @@
 #include "platform/Shuffle.h"
 
 #include <QMutex>
+#include <mutex>
 #include <QRandomGenerator>
 
 namespace {
-QMutex generatorMutex;
+std::mutex generatorMutex;
 QRandomGenerator &generator()
 {
     static QRandomGenerator instance = QRandomGenerator::securelySeeded();

@@ -10,7 +10,7 @@
 
 namespace {
 std::unique_ptr<UserDefaults> standardDefaults;
-QMutex standardMutex;
+std::mutex standardMutex;
 
 // QSettings keeps '/' as a group separator; settings keys never contain one, but a stray one
 // must not silently land in a group, so it is escaped.

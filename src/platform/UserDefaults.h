@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QMutex>
+#include <mutex>
 #include <QObject>
 #include <QVariantMap>
 
@@ -55,7 +56,7 @@ signals:
     void keyChanged(const QString &key);
 
 private:
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     std::unique_ptr<QSettings> m_settings;
     QVariantMap m_registered;
     QVariantMap m_forced;
