@@ -92,3 +92,11 @@ struct PlaceLocation {
     double longitude = 0;
     int id = 0;
 };
+
+// A place in list order with the letter of its section.
+struct SortedEntry {
+    int id = 0;
+    QString letter;
+    bool operator==(const SortedEntry &other) const = default;
+};
+

@@ -576,5 +576,3 @@ void Restaurants::applyTablesLanguage()
 }
 
 bool Restaurants::applyPendingPatch(const QString &, QDate) { return false; }
-
-void Restaurants::openSearchIndex(bool) {}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/FifoCache.h"
+#include "catalogue/Filters.h"
 #include "catalogue/LocalizableTable.h"
 #include "catalogue/Province.h"
 #include "catalogue/Records.h"
@@ -125,8 +126,17 @@ public:
     // Replaces the catalogue with a pending patch applied. True when it did and a reload is
     // queued; the base store has no patch step and answers false.
     virtual bool applyPendingPatch(const QString &path, QDate date);
-    // Opens the search index, building it when its date differs from the catalogue's.
+    // Opens Caches/fts.db, building it when its date differs from the catalogue's (always, when
+    // `rebuild`). Failures only leave free-text search empty.
     virtual void openSearchIndex(bool rebuild);
+    std::shared_ptr<DatabaseQueue> ftsQueue() const;
+
+    // The search screen's three steps, safe from any thread: places matching free text (each
+    // word a prefix of a word of the address or of any part of a word of the name), places
+    // passing the filters, and any set of places in list order with their section letters.
+    QSet<int> searchIds(const QString &text) const;
+    QSet<int> filteredIds(const Filters &filters, bool hideClosed) const;
+    QList<SortedEntry> sortedEntries(const QSet<int> &ids, const QString &text);
 
     // The open catalogue, for the readers of the other catalogue operations.
     std::shared_ptr<DatabaseQueue> dbq() const;
@@ -171,6 +181,12 @@ private:
     LocalizableTable m_payment_options{QStringLiteral("payment_options")};
 
     // Language-free or first-language caches; each check-and-store is safe across threads.
+    std::shared_ptr<DatabaseQueue> m_fts_dbq; // guarded by m_mutex
+    // Language-free names for the sorted listing; grow as lists are shown.
+    std::mutex m_listMutex;
+    QHash<int, QString> m_search_name_cache;
+    QHash<int, QString> m_name_cache;
+
     FifoCache<Brief> m_briefCache;
     FifoCache<QByteArray> m_profileImageCache;
     FifoCache<QByteArray> m_galleryImageCache{11};

@@ -1,5 +1,7 @@
 #include "platform/Database.h"
 
+#include <utility>
+
 #include "platform/Logging.h"
 
 #include <sqlcipher/sqlite3.h>
@@ -104,12 +106,12 @@ bool Database::executeStatements(const QString &sql)
     return true;
 }
 
-ResultSet Database::executeQuery(const QString &sql, const QVariantList &arguments)
+sqlite3_stmt *Database::prepareStatement(const QString &sql)
 {
     if (!m_db) {
         m_lastErrorCode = SQLITE_MISUSE;
         m_lastError = QStringLiteral("database is not open");
-        return ResultSet();
+        return nullptr;
     }
     clearError();
     sqlite3_stmt *statement = nullptr;
@@ -118,29 +120,97 @@ ResultSet Database::executeQuery(const QString &sql, const QVariantList &argumen
     if (sqlite3_prepare_v2(m_db, utf8.constData(), int(utf8.size()), &statement, nullptr) != SQLITE_OK) {
         recordError();
         sqlite3_finalize(statement);
-        return ResultSet();
+        return nullptr;
     }
     if (!statement) { // only whitespace or a comment
         m_lastErrorCode = SQLITE_MISUSE;
         m_lastError = QStringLiteral("empty statement");
-        return ResultSet();
     }
+    return statement;
+}
+
+bool Database::bindArguments(sqlite3_stmt *statement, const QVariantList &arguments)
+{
     if (arguments.size() != sqlite3_bind_parameter_count(statement)) {
         m_lastErrorCode = SQLITE_RANGE;
         m_lastError = QStringLiteral("statement takes %1 arguments, %2 given")
                           .arg(sqlite3_bind_parameter_count(statement))
                           .arg(arguments.size());
-        sqlite3_finalize(statement);
-        return ResultSet();
+        return false;
     }
     for (int i = 0; i < arguments.size(); ++i) {
         if (!bindArgument(statement, i + 1, arguments.at(i))) {
             recordError();
-            sqlite3_finalize(statement);
-            return ResultSet();
+            return false;
         }
     }
+    return true;
+}
+
+ResultSet Database::executeQuery(const QString &sql, const QVariantList &arguments)
+{
+    sqlite3_stmt *statement = prepareStatement(sql);
+    if (!statement)
+        return ResultSet();
+    if (!bindArguments(statement, arguments)) {
+        sqlite3_finalize(statement);
+        return ResultSet();
+    }
     return ResultSet(statement);
+}
+
+Statement Database::prepare(const QString &sql)
+{
+    sqlite3_stmt *statement = prepareStatement(sql);
+    return statement ? Statement(this, statement) : Statement();
+}
+
+Statement::Statement(Database *database, sqlite3_stmt *statement)
+    : m_database(database)
+    , m_statement(statement)
+{
+}
+
+Statement::~Statement()
+{
+    sqlite3_finalize(m_statement);
+}
+
+Statement::Statement(Statement &&other) noexcept
+    : m_database(std::exchange(other.m_database, nullptr))
+    , m_statement(std::exchange(other.m_statement, nullptr))
+{
+}
+
+Statement &Statement::operator=(Statement &&other) noexcept
+{
+    if (this != &other) {
+        sqlite3_finalize(m_statement);
+        m_database = std::exchange(other.m_database, nullptr);
+        m_statement = std::exchange(other.m_statement, nullptr);
+    }
+    return *this;
+}
+
+bool Statement::run(const QVariantList &arguments)
+{
+    if (!m_statement)
+        return false;
+    sqlite3_reset(m_statement);
+    sqlite3_clear_bindings(m_statement);
+    m_database->clearError();
+    if (!m_database->bindArguments(m_statement, arguments))
+        return false;
+    int rc;
+    while ((rc = sqlite3_step(m_statement)) == SQLITE_ROW) {
+    }
+    if (rc != SQLITE_DONE) {
+        m_database->recordError();
+        sqlite3_reset(m_statement);
+        return false;
+    }
+    sqlite3_reset(m_statement);
+    return true;
 }
 
 bool Database::forEachRow(const QString &sql, const QVariantList &arguments,

@@ -9,6 +9,31 @@
 #include <functional>
 
 struct sqlite3;
+struct sqlite3_stmt;
+class Database;
+
+// One statement prepared once and run again and again with new arguments: bulk writes without
+// a parse per row. Move-only; finalized when destroyed, which must happen before its database closes.
+class Statement
+{
+public:
+    Statement() = default;
+    Statement(Database *database, sqlite3_stmt *statement);
+    ~Statement();
+    Statement(Statement &&other) noexcept;
+    Statement &operator=(Statement &&other) noexcept;
+    Statement(const Statement &) = delete;
+    Statement &operator=(const Statement &) = delete;
+
+    bool isValid() const { return m_statement != nullptr; }
+    // Binds the arguments, runs to completion and resets. False with the database's
+    // lastErrorMessage() set.
+    bool run(const QVariantList &arguments);
+
+private:
+    Database *m_database = nullptr;
+    sqlite3_stmt *m_statement = nullptr;
+};
 
 // One connection to an SQLite or SQLCipher file. Nothing outside the platform layer sees
 // sqlite3 itself: callers open, key, run statements and read rows through this class.
@@ -41,6 +66,8 @@ public:
     // Prepares one statement with bound parameters. On failure the set is invalid
     // (`isValid()` false) and lastErrorMessage() says why.
     ResultSet executeQuery(const QString &sql, const QVariantList &arguments = {});
+    // Prepares one statement for repeated runs; invalid, with lastErrorMessage() set, on failure.
+    Statement prepare(const QString &sql);
 
     // Runs a query and hands each row to `onRow`, which returns false to stop early. False when
     // the statement could not run or a step failed; lastErrorMessage() then says why.
@@ -61,6 +88,9 @@ public:
     static int preparedStatementCount() { return s_preparedStatements.load(); }
 
 private:
+    friend class Statement;
+    sqlite3_stmt *prepareStatement(const QString &sql);
+    bool bindArguments(sqlite3_stmt *statement, const QVariantList &arguments);
     void recordError();
     void clearError();
 

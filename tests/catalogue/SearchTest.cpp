@@ -1,0 +1,211 @@
+#include "catalogue/EditDistance.h"
+#include "catalogue/Filters.h"
+#include "fixtures/TestHome.h"
+#include "platform/DatabaseQueue.h"
+#include "platform/UserDefaults.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+// A tiny guide of the capital (municipalities 10 and 11) and Matanzas (20).
+CatalogueFixture searchFixture()
+{
+    CatalogueFixture f = CatalogueFixture::small();
+    f.places = {
+        {1, QStringLiteral("La Bodeguita del Medio"), QStringLiteral("la bodeguita del medio"), 11, 3, 0,
+         QStringLiteral("Empedrado 207"), QStringLiteral("78671374")},
+        {2, QStringLiteral("El Aljibe"), QStringLiteral("el aljibe"), 10, 4, 0, QStringLiteral("Calle Bodega 5"), std::nullopt},
+        {3, QStringLiteral("Mansión Xanadú"), QStringLiteral("mansion xanadu"), 20, 4, 0, QStringLiteral("Autopista Sur"), std::nullopt},
+        {4, QStringLiteral("Cafe Fortuna"), QStringLiteral("cafe fortuna"), 10, 2, 1, QStringLiteral("Calle 5"), std::nullopt},
+        {5, QStringLiteral("Ñico"), QStringLiteral("nico"), 10, 2, 0, QStringLiteral("Obispo"), std::nullopt},
+        {6, QStringLiteral("Sin Nombre"), QString(), 10, 2, 0, QStringLiteral("Obispo"), std::nullopt},
+        {7, QStringLiteral("Bar Medio"), QStringLiteral("bar medio"), 11, 2, 0, QStringLiteral("Prado"), std::nullopt},
+        {8, QStringLiteral("Bodega Vieja"), QStringLiteral("bodega vieja"), 11, 2, 0, QStringLiteral("Prado"), std::nullopt},
+    };
+    f.restaurantCuisines = {{1, 1}, {1, 3}, {2, 1}, {4, 2}, {8, 3}};
+    f.offerPlaces = {};
+    f.promotedPlaces = {};
+    return f;
+}
+
+struct SearchHome {
+    explicit SearchHome(CatalogueFixture fixture = searchFixture()) { restaurants = home.openCatalogue(fixture); }
+    QList<int> sorted(const QSet<int> &ids) const
+    {
+        QList<int> list(ids.begin(), ids.end());
+        std::sort(list.begin(), list.end());
+        return list;
+    }
+    QList<int> search(const QString &text) const { return sorted(restaurants->searchIds(text)); }
+    // A marker row that survives only as long as the index is not rebuilt.
+    void markIndex() const
+    {
+        restaurants->ftsQueue()->inDatabase(
+            [](Database &db) { db.executeUpdate(QStringLiteral("INSERT INTO extras VALUES('marker', 'x')")); });
+    }
+    bool indexMarked() const
+    {
+        bool marked = false;
+        restaurants->ftsQueue()->inDatabase([&](Database &db) {
+            db.forEachRow(QStringLiteral("SELECT val FROM extras WHERE key = 'marker'"), {}, [&](const ResultSet &) {
+                marked = true;
+                return false;
+            });
+        });
+        return marked;
+    }
+    TestHome home;
+    std::unique_ptr<Restaurants> restaurants;
+};
+
+QList<int> idsOf(const QList<SortedEntry> &entries)
+{
+    QList<int> ids;
+    for (const SortedEntry &entry : entries)
+        ids.append(entry.id);
+    return ids;
+}
+}
+
+// Catches: names indexed by whole words only, addresses expanded into suffixes, accents or
+// case not folded, and several words taken as alternatives instead of all being required.
+TEST(Search, FreeTextMatches)
+{
+    SearchHome home;
+    EXPECT_EQ(home.search(QStringLiteral("degu")), QList<int>{1});
+    EXPECT_EQ(home.search(QStringLiteral("bode")), (QList<int>{1, 2, 8}));     // 2 by its address
+    EXPECT_EQ(home.search(QStringLiteral("pedra")), QList<int>{});              // inside an address word
+    EXPECT_EQ(home.search(QStringLiteral("Empe")), QList<int>{1});
+    EXPECT_EQ(home.search(QStringLiteral("MANSION")), QList<int>{3});
+    EXPECT_EQ(home.search(QStringLiteral("xanadú")), QList<int>{3});
+    EXPECT_EQ(home.search(QStringLiteral("café")), QList<int>{4});
+    EXPECT_EQ(home.search(QStringLiteral("nico")), QList<int>{5});
+    EXPECT_EQ(home.search(QStringLiteral("  bode\n medio ")), QList<int>{1});
+    EXPECT_EQ(home.search(QStringLiteral("degu aljibe")), QList<int>{});
+    EXPECT_EQ(home.search(QStringLiteral("bode aljibe")), QList<int>{2}); // one word by the address
+}
+
+// Catches: query syntax typed by the user crashing the search or logging more than a line, and
+// blanks matching everything.
+TEST(Search, AnyTypedTextIsSafe)
+{
+    SearchHome home;
+    for (const QString &text : {QStringLiteral(""), QStringLiteral("   \n\t"), QStringLiteral("\""), QStringLiteral("*"),
+                                QStringLiteral("(("), QStringLiteral("bode)"), QStringLiteral("\"bode"),
+                                QStringLiteral("NEAR/"), QStringLiteral("-"), QStringLiteral("^")})
+        EXPECT_TRUE(home.restaurants->searchIds(text).isEmpty()) << text.toStdString();
+    for (const QString &text : {QStringLiteral("OR"), QStringLiteral("AND NOT"), QStringLiteral("bode OR medio"),
+                                QString(5000, QLatin1Char('a')), QStringLiteral("a b c d e f g h i j k l m n o p")})
+        EXPECT_LE(home.restaurants->searchIds(text).size(), 8) << text.left(20).toStdString();
+}
+
+// Catches: an index rebuilt at every start, kept for a new catalogue, or not rebuilt on request.
+TEST(Search, IndexFollowsTheCatalogueDate)
+{
+    SearchHome home;
+    home.markIndex();
+    ASSERT_TRUE(home.indexMarked());
+    home.restaurants->reload();
+    EXPECT_TRUE(home.indexMarked()) << "a current index was rebuilt";
+    home.restaurants->openSearchIndex(true);
+    EXPECT_FALSE(home.indexMarked()) << "an explicit rebuild kept the old index";
+    EXPECT_EQ(home.search(QStringLiteral("degu")), QList<int>{1});
+
+    home.markIndex();
+    CatalogueFixture newer = searchFixture();
+    newer.versionDate = QStringLiteral("20170301");
+    newer.places.append({9, QStringLiteral("La Guarida"), QStringLiteral("la guarida"), 11, 4, 0, QStringLiteral("Concordia 418"), std::nullopt});
+    home.home.addCatalogue(newer, QStringLiteral("velmora-20170301.db"));
+    home.restaurants->reload();
+    EXPECT_FALSE(home.indexMarked()) << "a new catalogue kept the old index";
+    EXPECT_EQ(home.search(QStringLiteral("uarid")), QList<int>{9});
+}
+
+// Catches: the cuisines test done wrongly (places without cuisines kept), closed places shown
+// when hidden, prices ignored, and a malformed statement reaching SQLite.
+TEST(Search, FilteredIds)
+{
+    SearchHome home;
+    Restaurants &r = *home.restaurants;
+    EXPECT_EQ(home.sorted(r.filteredIds(Filters{}, false)), (QList<int>{1, 2, 3, 4, 5, 6, 7, 8}));
+    Filters capital;
+    capital.municipalities = {10, 11};
+    EXPECT_EQ(home.sorted(r.filteredIds(capital, false)), (QList<int>{1, 2, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(home.sorted(r.filteredIds(capital, true)), (QList<int>{1, 2, 5, 6, 7, 8}));
+    capital.prices = {3, 4};
+    EXPECT_EQ(home.sorted(r.filteredIds(capital, true)), (QList<int>{1, 2}));
+    capital.prices.clear();
+    capital.cuisines = {3};
+    EXPECT_EQ(home.sorted(r.filteredIds(capital, false)), (QList<int>{1, 8}));
+    capital.cuisines = {2, 9};
+    EXPECT_EQ(home.sorted(r.filteredIds(capital, false)), QList<int>{4});
+
+    Filters pricesOnly;
+    pricesOnly.prices = {2};
+    EXPECT_TRUE(r.filteredIds(pricesOnly, false).isEmpty());
+    EXPECT_TRUE(r.filteredIds(Filters{}, true).isEmpty());
+}
+
+// Catches: a place without a sort name listed, a second listing querying again, exact
+// substrings not leading their section, and letters not upper-cased.
+TEST(Search, SortedEntries)
+{
+    SearchHome home;
+    Restaurants &r = *home.restaurants;
+    const QSet<int> capital = r.filteredIds(Filters{{10, 11}, {}, {}}, false);
+    const QList<SortedEntry> alphabetic = r.sortedEntries(capital, QString());
+    EXPECT_EQ(idsOf(alphabetic), (QList<int>{7, 8, 4, 2, 1, 5})); // 6 has no sort name
+    EXPECT_EQ(alphabetic.first().letter, QStringLiteral("B"));
+    EXPECT_EQ(alphabetic.last().letter, QStringLiteral("N")); // "Ñico" files under N
+
+    EXPECT_EQ(preparedStatementsDuring([&] {
+                  // "medio" is inside 7's and 1's names; 8 is only near it, so it follows 7 in B.
+                  EXPECT_EQ(idsOf(r.sortedEntries(capital, QStringLiteral("Medio"))), (QList<int>{7, 8, 4, 2, 1, 5}));
+                  EXPECT_EQ(idsOf(r.sortedEntries(capital, QStringLiteral("vieja"))), (QList<int>{8, 7, 4, 2, 1, 5}));
+              }),
+              0);
+    EXPECT_TRUE(r.sortedEntries({}, QStringLiteral("x")).isEmpty());
+    EXPECT_TRUE(r.sortedEntries({9999}, QString()).isEmpty());
+}
+
+// Catches: distances counted in UTF-16 units instead of characters, substitution costing 1,
+// and the empty sides.
+TEST(Search, EditDistanceWeighsSubstitutionsDouble)
+{
+    EXPECT_EQ(editDistance(QStringLiteral("año"), QStringLiteral("ano")), 2);
+    EXPECT_EQ(editDistance(QStringLiteral("kitten"), QStringLiteral("sitting")), 5);
+    EXPECT_EQ(editDistance(QStringLiteral("😀"), QStringLiteral("x")), 2);
+    EXPECT_EQ(editDistance(QStringLiteral("a😀b"), QStringLiteral("ab")), 1);
+    EXPECT_EQ(editDistance(QStringLiteral("Habana"), QStringLiteral("Habana")), 0);
+    EXPECT_EQ(editDistance(QString(), QStringLiteral("abc")), 3);
+}
+
+// Catches: the old price_rank rule off by one, malformed stored forms half-loaded, a load that
+// keeps old sets, and the stored form not surviving the settings store.
+TEST(Search, FiltersStoredForm)
+{
+    TestHome home;
+    Filters filters;
+    filters.municipalities = {10};
+    filters.load({{QStringLiteral("price_rank"), 2}});
+    EXPECT_TRUE(filters.isEmpty());
+    filters.load({{QStringLiteral("price_rank"), 5}, {QStringLiteral("cuisines"), QVariantList{1, 2}}});
+    EXPECT_EQ(filters.prices, (QSet<int>{2, 3, 4}));
+    EXPECT_EQ(filters.cuisines, (QSet<int>{1, 2}));
+
+    filters.load({{QStringLiteral("municipalities"), QStringLiteral("10")},
+                  {QStringLiteral("cuisines"), QVariantList{1, QStringLiteral("two")}},
+                  {QStringLiteral("prices"), QVariantList{2.0, 3.0}}});
+    EXPECT_TRUE(filters.municipalities.isEmpty());
+    EXPECT_TRUE(filters.cuisines.isEmpty());
+    EXPECT_EQ(filters.prices, (QSet<int>{2, 3})); // whole numbers from a JSON reader
+
+    Filters stored;
+    stored.municipalities = {10, 11};
+    stored.cuisines = {3};
+    home.defaults().setObject(stored.dictionary(), QStringLiteral("filters"));
+    UserDefaults::setStandard(nullptr); // as after a restart
+    Filters restored;
+    restored.load(home.defaults().dictionaryForKey(QStringLiteral("filters")));
+    EXPECT_EQ(restored, stored);
+}
