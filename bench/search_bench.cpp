@@ -17,6 +17,7 @@
 
 #include <cstdio>
 #include <map>
+#include <set>
 #include <memory>
 #include <string>
 
@@ -160,10 +161,14 @@ class MedianCollector : public benchmark::ConsoleReporter
 public:
     void ReportRuns(const std::vector<Run> &runs) override
     {
+        // A single repetition has no aggregates: its own run stands for the median.
         for (const Run &run : runs) {
-            if (run.aggregate_name != "median")
-                continue;
+            const bool median = run.aggregate_name == "median";
             const std::string name = run.run_name.function_name;
+            if (!median && (run.run_type != Run::RT_Iteration || medianSeen.count(name)))
+                continue;
+            if (median)
+                medianSeen.insert(name);
             medians[name] = run.GetAdjustedRealTime();
             for (const auto &[counter, value] : run.counters)
                 counters[name + "." + counter] = value;
@@ -172,6 +177,7 @@ public:
     }
     std::map<std::string, double> medians;
     std::map<std::string, double> counters;
+    std::set<std::string> medianSeen;
 };
 
 int main(int argc, char **argv)
