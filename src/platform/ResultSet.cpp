@@ -105,3 +105,21 @@ QByteArray ResultSet::dataForColumn(int column) const
     const int bytes = sqlite3_column_bytes(m_statement, column);
     return blob ? QByteArray(static_cast<const char *>(blob), bytes) : QByteArray();
 }
+
+QVariant ResultSet::valueForColumn(int column) const
+{
+    if (!m_statement || column < 0 || column >= columnCount())
+        return QVariant();
+    switch (sqlite3_column_type(m_statement, column)) {
+    case SQLITE_INTEGER:
+        return qlonglong(sqlite3_column_int64(m_statement, column));
+    case SQLITE_FLOAT:
+        return sqlite3_column_double(m_statement, column);
+    case SQLITE_TEXT:
+        return stringForColumn(column);
+    case SQLITE_BLOB:
+        return dataForColumn(column);
+    default:
+        return QVariant();
+    }
+}

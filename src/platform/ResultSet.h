@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QString>
+#include <QVariant>
 
 struct sqlite3_stmt;
 
@@ -36,6 +37,8 @@ public:
     double doubleForColumn(int column) const;
     QString stringForColumn(int column) const;
     QByteArray dataForColumn(int column) const;
+    // The value in its stored type: qlonglong, double, QString, QByteArray, or null.
+    QVariant valueForColumn(int column) const;
 
     int intForColumn(const QString &name) const { return intForColumn(columnIndex(name)); }
     qint64 longForColumn(const QString &name) const { return longForColumn(columnIndex(name)); }

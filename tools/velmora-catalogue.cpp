@@ -1,0 +1,245 @@
+// velmora-catalogue: makes, patches, publishes and inspects catalogues with the app's own code.
+// See tools/README.md. Reports go to standard output as JSON; a failure is one line on standard
+// error and a non-zero exit.
+
+#include "toolkit/CatalogueData.h"
+#include "toolkit/CatalogueWriter.h"
+#include "toolkit/DemoGenerator.h"
+#include "toolkit/Inspector.h"
+#include "toolkit/PatchBuilder.h"
+#include "toolkit/Publisher.h"
+#include "toolkit/SourceReader.h"
+#include "catalogue/CatalogueDates.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QLoggingCategory>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace {
+
+const char usage[] = R"(usage:
+  velmora-catalogue build SOURCE.json -o OUT.db
+  velmora-catalogue demo -o DIR [--places N] [--seed S] [--date YYYYMMDD]
+  velmora-catalogue patch OLD.db NEW.db -o OUT.zip
+  velmora-catalogue publish NEW.db [OLD.db ...] --to DIR --base-url URL
+  velmora-catalogue info FILE
+  velmora-catalogue query FILE search TEXT
+  velmora-catalogue query FILE list --province ID [--text T] [--municipality ID]... [--cuisine ID]...
+                                    [--price ID]... [--show-closed]
+  velmora-catalogue query FILE place ID
+)";
+
+int fail(const QString &message)
+{
+    QTextStream(stderr) << "velmora-catalogue: " << message << "\n";
+    return 1;
+}
+
+int report(const QJsonValue &value)
+{
+    const QJsonDocument document = value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
+    QTextStream(stdout) << document.toJson(QJsonDocument::Indented);
+    return 0;
+}
+
+// Options after the command's positional arguments: "--name value" pairs, repeatable, and flags.
+struct Arguments {
+    QStringList positional;
+    QMultiMap<QString, QString> options;
+    QStringList flags;
+    QString error;
+
+    Arguments(const QStringList &arguments, const QStringList &valued, const QStringList &allowedFlags)
+    {
+        for (qsizetype i = 0; i < arguments.size(); ++i) {
+            const QString &argument = arguments.at(i);
+            if (valued.contains(argument)) {
+                if (i + 1 >= arguments.size()) {
+                    error = argument + QStringLiteral(" needs a value");
+                    return;
+                }
+                options.insert(argument, arguments.at(++i));
+            } else if (allowedFlags.contains(argument)) {
+                flags.append(argument);
+            } else if (argument.startsWith(QLatin1String("--")) || (argument.startsWith(QLatin1Char('-')) && argument.size() == 2)) {
+                error = QStringLiteral("unknown option ") + argument;
+                return;
+            } else {
+                positional.append(argument);
+            }
+        }
+    }
+    QString value(const QString &name) const { return options.value(name); }
+    bool intValues(const QString &name, QList<int> &into)
+    {
+        for (const QString &text : options.values(name)) {
+            bool ok = false;
+            into.prepend(text.toInt(&ok));
+            if (!ok) {
+                error = QStringLiteral("%1 takes a number, not \"%2\"").arg(name, text);
+                return false;
+            }
+        }
+        return true;
+    }
+};
+
+int build(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("-o")}, {});
+    if (!args.error.isEmpty() || args.positional.size() != 1 || args.value(QStringLiteral("-o")).isEmpty())
+        return fail(args.error.isEmpty() ? QStringLiteral("build SOURCE.json -o OUT.db") : args.error);
+    CatalogueData data;
+    QString error;
+    if (!readSource(args.positional.first(), data, &error) || !writeCatalogue(data, args.value(QStringLiteral("-o")), &error))
+        return fail(error);
+    return report(catalogueInfo(args.value(QStringLiteral("-o")), &error));
+}
+
+int demo(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("-o"), QStringLiteral("--places"), QStringLiteral("--seed"), QStringLiteral("--date")}, {});
+    if (!args.error.isEmpty() || !args.positional.isEmpty() || args.value(QStringLiteral("-o")).isEmpty())
+        return fail(args.error.isEmpty() ? QStringLiteral("demo -o DIR [--places N] [--seed S] [--date YYYYMMDD]") : args.error);
+    DemoOptions options;
+    bool ok = true;
+    if (args.options.contains(QStringLiteral("--places")))
+        options.places = args.value(QStringLiteral("--places")).toInt(&ok);
+    if (ok && args.options.contains(QStringLiteral("--seed")))
+        options.seed = args.value(QStringLiteral("--seed")).toUInt(&ok);
+    if (!ok || options.places < 1)
+        return fail(QStringLiteral("--places and --seed take positive numbers"));
+    if (args.options.contains(QStringLiteral("--date"))) {
+        const auto date = CatalogueDates::parseCompact(args.value(QStringLiteral("--date")));
+        if (!date)
+            return fail(QStringLiteral("--date takes a date written YYYYMMDD"));
+        options.date = *date;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    const CatalogueData data = makeDemo(options);
+    const QString path = args.value(QStringLiteral("-o")) + QStringLiteral("/velmora-%1.db").arg(CatalogueDates::formatCompact(options.date));
+    QString error;
+    if (!writeCatalogue(data, path, &error))
+        return fail(error);
+    QJsonObject info = catalogueInfo(path, &error);
+    info.insert(QStringLiteral("bytes"), QFileInfo(path).size());
+    info.insert(QStringLiteral("milliseconds"), timer.elapsed());
+    return report(info);
+}
+
+int patch(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("-o")}, {});
+    if (!args.error.isEmpty() || args.positional.size() != 2 || args.value(QStringLiteral("-o")).isEmpty())
+        return fail(args.error.isEmpty() ? QStringLiteral("patch OLD.db NEW.db -o OUT.zip") : args.error);
+    PatchStats stats;
+    QString error;
+    if (!buildPatch(args.positional.at(0), args.positional.at(1), args.value(QStringLiteral("-o")), &error, &stats))
+        return fail(error);
+    return report(QJsonObject{{QStringLiteral("archive"), args.value(QStringLiteral("-o"))},
+                              {QStringLiteral("bytes"), QFileInfo(args.value(QStringLiteral("-o"))).size()},
+                              {QStringLiteral("from"), CatalogueDates::formatCompact(stats.from)},
+                              {QStringLiteral("to"), CatalogueDates::formatCompact(stats.to)},
+                              {QStringLiteral("scripts"), stats.scripts},
+                              {QStringLiteral("inserted"), stats.inserted},
+                              {QStringLiteral("updated"), stats.updated},
+                              {QStringLiteral("deleted"), stats.deleted}});
+}
+
+int publishCommand(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("--to"), QStringLiteral("--base-url")}, {});
+    if (!args.error.isEmpty() || args.positional.isEmpty() || args.value(QStringLiteral("--to")).isEmpty()
+        || args.value(QStringLiteral("--base-url")).isEmpty())
+        return fail(args.error.isEmpty() ? QStringLiteral("publish NEW.db [OLD.db ...] --to DIR --base-url URL") : args.error);
+    QJsonObject result;
+    QString error;
+    if (!publish(args.positional.first(), args.positional.mid(1), args.value(QStringLiteral("--to")),
+                 args.value(QStringLiteral("--base-url")), result, &error))
+        return fail(error);
+    return report(result);
+}
+
+int info(const QStringList &arguments)
+{
+    if (arguments.size() != 1)
+        return fail(QStringLiteral("info FILE"));
+    QString error;
+    const QJsonObject result = catalogueInfo(arguments.first(), &error);
+    report(result);
+    return error.isEmpty() ? 0 : fail(error);
+}
+
+int query(const QStringList &arguments)
+{
+    if (arguments.size() < 2)
+        return fail(QStringLiteral("query FILE search|list|place ..."));
+    const QString file = arguments.at(0);
+    const QString what = arguments.at(1);
+    QString error;
+    if (what == QLatin1String("search")) {
+        QJsonArray ids;
+        if (arguments.size() != 3 || !querySearch(file, arguments.at(2), ids, &error))
+            return fail(error.isEmpty() ? QStringLiteral("query FILE search TEXT") : error);
+        return report(ids);
+    }
+    if (what == QLatin1String("place")) {
+        bool ok = false;
+        const int id = arguments.value(2).toInt(&ok);
+        QJsonObject place;
+        if (arguments.size() != 3 || !ok || !queryPlace(file, id, place, &error))
+            return fail(error.isEmpty() ? QStringLiteral("query FILE place ID") : error);
+        return report(place);
+    }
+    if (what == QLatin1String("list")) {
+        Arguments args(arguments.mid(2),
+                       {QStringLiteral("--province"), QStringLiteral("--text"), QStringLiteral("--municipality"),
+                        QStringLiteral("--cuisine"), QStringLiteral("--price")},
+                       {QStringLiteral("--show-closed")});
+        ListQuery list;
+        bool ok = false;
+        list.province = args.value(QStringLiteral("--province")).toInt(&ok);
+        list.text = args.value(QStringLiteral("--text"));
+        list.showClosed = args.flags.contains(QStringLiteral("--show-closed"));
+        if (!args.error.isEmpty() || !ok || !args.positional.isEmpty() || !args.intValues(QStringLiteral("--municipality"), list.municipalities)
+            || !args.intValues(QStringLiteral("--cuisine"), list.cuisines) || !args.intValues(QStringLiteral("--price"), list.prices))
+            return fail(args.error.isEmpty() ? QStringLiteral("query FILE list --province ID ...") : args.error);
+        QJsonArray entries;
+        if (!queryList(file, list, entries, &error))
+            return fail(error);
+        return report(entries);
+    }
+    return fail(QStringLiteral("query FILE search|list|place ..."));
+}
+
+}
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    // The app's own code logs what a device would; a command-line tool speaks only on failure.
+    QLoggingCategory::setFilterRules(QStringLiteral("velmora.*.info=false\nvelmora.*.debug=false\nvelmora.*.warning=false"));
+    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    const QString command = arguments.value(0);
+    const QStringList rest = arguments.mid(1);
+    if (command == QLatin1String("build"))
+        return build(rest);
+    if (command == QLatin1String("demo"))
+        return demo(rest);
+    if (command == QLatin1String("patch"))
+        return patch(rest);
+    if (command == QLatin1String("publish"))
+        return publishCommand(rest);
+    if (command == QLatin1String("info"))
+        return info(rest);
+    if (command == QLatin1String("query"))
+        return query(rest);
+    std::fputs(usage, command.isEmpty() || command == QLatin1String("--help") ? stdout : stderr);
+    return command.isEmpty() || command == QLatin1String("--help") ? 0 : 1;
+}
