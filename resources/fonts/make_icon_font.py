@@ -38,7 +38,7 @@ GLYPHS = {
     "C": (0xF1DE, "sliders", "settings"),
     "F": (0xF0C9, "bars", "opens the side menu"),
     "P": (0xF104, "angle-left", "back"),
-    "d": (0xF053, "chevron-left", "back on the subscription screens"),
+    "d": (0xF0B0, "filter", "the filter button of the search bar (the subscription screens share it)"),
     "R": (0xF105, "angle-right", "right button of the place card"),
     "K": (0xF078, "chevron-down", "row that can open, closed; province button"),
     "L": (0xF077, "chevron-up", "row that can open, open; province picker"),

@@ -444,5 +444,9 @@
         <source>download_cancel</source>
         <translation>Cancel</translation>
     </message>
+    <message id="lugares_fewer_filters">
+        <source>lugares_fewer_filters</source>
+        <translation>No places match these filters. Try fewer.</translation>
+    </message>
 </context>
 </TS>

@@ -444,5 +444,9 @@
         <source>download_cancel</source>
         <translation>Cancelar</translation>
     </message>
+    <message id="lugares_fewer_filters">
+        <source>lugares_fewer_filters</source>
+        <translation>No hay lugares con estos filtros. Prueba con menos.</translation>
+    </message>
 </context>
 </TS>

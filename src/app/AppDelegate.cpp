@@ -5,7 +5,13 @@
 #include "catalogue/LoadRestaurantsOperation.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
+#include "app/Scenes.h"
+#include "richtext/ApplicationFonts.h"
+#include "app/SideDrawer.h"
+#include "app/SideMenuViewController.h"
 #include "platform/Localize.h"
+#include "presentation/NavigationController.h"
+#include "presentation/Storyboard.h"
 #include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Paths.h"
@@ -35,6 +41,8 @@ AppDelegate *AppDelegate::global() { return globalDelegate.data(); }
 bool AppDelegate::didFinishLaunching()
 {
     globalDelegate = this;
+    // Screens render their styled text from the moment they are made, so the fonts come first.
+    registerApplicationFonts();
 
     // Registered defaults; the catalogue was created before this and read its settings without.
     UserDefaults &defaults = UserDefaults::standard();
@@ -114,7 +122,25 @@ void AppDelegate::loadMainUI()
 {
     if (m_fileSharingQueue)
         m_fileSharingQueue->cancelAllOperations();
+    if (!m_drawer) {
+        registerApplicationScenes();
+        m_sideMenu = new SideMenuViewController(this);
+        m_mainNavigation = new NavigationController(this);
+        // The search screen is always the first screen.
+        m_mainNavigation->setViewControllers(
+            {Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("search-view-controller"), this)}, false);
+        m_drawer = new SideDrawer(m_mainNavigation, m_sideMenu, this);
+        m_sideMenu->setContentController(m_mainNavigation);
+        m_sideMenu->setDrawer(m_drawer);
+        m_sideMenu->viewDidLoad();
+    }
     setRoot(QString::fromLatin1(mainRoot));
+}
+
+void AppDelegate::showSideMenu(bool animated)
+{
+    if (m_drawer)
+        m_drawer->showMenuAnimated(animated);
 }
 
 void AppDelegate::setRoot(const QString &root)
@@ -126,16 +152,3 @@ void AppDelegate::setRoot(const QString &root)
     emit rootChanged();
 }
 
-QVariantList AppDelegate::provinceSummaries() const
-{
-    QVariantList result;
-    const auto provinces = m_restaurants.provinces();
-    for (auto it = provinces.begin(); it != provinces.end(); ++it) {
-        result.append(QVariantMap{
-            {QStringLiteral("id"), it.key()},
-            {QStringLiteral("name"), it.value()->name},
-            {QStringLiteral("places"), it.value()->restaurants.size()},
-        });
-    }
-    return result;
-}

@@ -6,8 +6,11 @@
 
 #include <memory>
 
+#include "app/SideDrawer.h"
+
 class OperationQueue;
 class Restaurants;
+class SideMenuViewController;
 
 // The application object: owns the long-lived services and decides which root the window shows.
 // The QML window renders `root`; every rule of the choice lives here, so tests check it without
@@ -20,6 +23,7 @@ class AppDelegate : public QObject
     Q_PROPERTY(QString root READ root NOTIFY rootChanged)
     Q_PROPERTY(QString documentsPath READ documentsPath CONSTANT)
     Q_PROPERTY(QString catalogueVersion READ catalogueVersion NOTIFY rootChanged)
+    Q_PROPERTY(SideDrawer *drawer READ drawer NOTIFY rootChanged)
 
 public:
     // The roots the window can show.
@@ -59,8 +63,12 @@ public:
     void preventRotation() { m_allowRotation = false; }
     int supportedInterfaceOrientations() const { return m_allowRotation ? allButUpsideDownMask : portraitMask; }
 
-    // For the placeholder main screen: [{id, name, places}] by province id.
-    Q_INVOKABLE QVariantList provinceSummaries() const;
+    // The main interface, absent until loadMainUI(): the drawer, its menu and its content.
+    SideDrawer *drawer() const { return m_drawer; }
+    SideMenuViewController *sideMenu() const { return m_sideMenu; }
+    NavigationController *mainNavigation() const { return m_mainNavigation; }
+    // Opens the drawer; harmless before the main interface exists.
+    Q_INVOKABLE void showSideMenu(bool animated);
 
 signals:
     void rootChanged();
@@ -73,4 +81,7 @@ private:
     QString m_root;
     bool m_allowRotation = false;
     std::unique_ptr<OperationQueue> m_fileSharingQueue;
+    NavigationController *m_mainNavigation = nullptr;
+    SideMenuViewController *m_sideMenu = nullptr;
+    SideDrawer *m_drawer = nullptr;
 };

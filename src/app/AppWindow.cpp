@@ -1,6 +1,7 @@
 #include "app/AppWindow.h"
 
 #include "app/AppDelegate.h"
+#include "browse/PlacePictureProvider.h"
 #include "platform/Localize.h"
 #include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
@@ -33,6 +34,7 @@ bool AppWindow::load()
     // Plain Text items take the application font, not the window's.
     QGuiApplication::setFont(QFont(QStringLiteral("Open Sans")));
     m_engine->addImportPath(QStringLiteral("qrc:/"));
+    m_engine->addImageProvider(QStringLiteral("places"), new PlacePictureProvider);
     m_engine->setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_delegate)}});
     m_engine->load(QUrl(QStringLiteral("qrc:/Velmora/app/Main.qml")));
     if (!window()) {

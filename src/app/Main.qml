@@ -22,7 +22,7 @@ ApplicationWindow {
 
     Component {
         id: mainRoot
-        MainPlaceholder { app: window.app }
+        SideDrawerView { drawer: window.app.drawer }
     }
 
     Component {

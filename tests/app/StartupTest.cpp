@@ -99,13 +99,13 @@ TEST(Startup, WindowShowsTheRootAndSwitchesWhenACatalogueArrives)
     EXPECT_EQ(window.window()->width(), AppWindow::logicalWidth);
     EXPECT_EQ(window.window()->height(), AppWindow::logicalHeight);
     EXPECT_TRUE(screenNamed(window, "placeholderScreen"));
-    EXPECT_FALSE(screenNamed(window, "mainScreen"));
+    EXPECT_FALSE(screenNamed(window, "sideDrawer"));
     saveScreenshot(window, QStringLiteral("startup-walkthrough"));
 
     CatalogueFixture fixture = CatalogueFixture::generated(300);
     home.addCatalogue(fixture, QStringLiteral("Guide.vmr"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return delegate.root() == QLatin1String(AppDelegate::mainRoot); }, 5000));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return screenNamed(window, "mainScreen") != nullptr; }, 2000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screenNamed(window, "sideDrawer") != nullptr; }, 2000));
     EXPECT_FALSE(screenNamed(window, "placeholderScreen"));
     saveScreenshot(window, QStringLiteral("startup-main"));
 }

@@ -4,6 +4,8 @@
 #include "DemoPictures.h"
 #include "catalogue/CatalogueDates.h"
 
+#include <QSet>
+
 #include <random>
 
 namespace {
@@ -130,6 +132,7 @@ CatalogueData makeDemo(const DemoOptions &options)
     for (int i = 0; i < 8; ++i)
         terraces.append(DemoPictures::terrace(random, 600, 300));
 
+    QSet<QString> usedNames;
     int galleryId = 1;
     int menuId = 1;
     int promotionId = 1;
@@ -139,7 +142,13 @@ CatalogueData makeDemo(const DemoOptions &options)
         const int province = chance(random, 33) ? 0 : int(random() % provinces.size());
         const DemoProvince &where = provinces[province];
         const int municipality = (province + 1) * 100 + 1 + int(random() % where.municipalities.size());
-        const QString name = s(pick(random, openings)) + QLatin1Char(' ') + s(pick(random, namesakes));
+        // Names repeat in a big guide only across towns: a second one takes its municipality's name.
+        QString name = s(pick(random, openings)) + QLatin1Char(' ') + s(pick(random, namesakes));
+        if (usedNames.contains(name))
+            name += QLatin1Char(' ') + where.municipalities.at(municipality % 100 - 1);
+        if (usedNames.contains(name))
+            name += QStringLiteral(" %1").arg(id);
+        usedNames.insert(name);
         const QString street = s(pick(random, streets));
         const int cuisine = 1 + int(random() % std::size(cuisines));
         const int opensAt = 8 + int(random() % 5);

@@ -1,0 +1,338 @@
+#include "BuscarViewController.h"
+
+#include "LugaresTableViewController.h"
+#include "app/AppDelegate.h"
+#include "app/DefaultKeys.h"
+#include "app/Globals.h"
+#include "app/Notifications.h"
+#include "catalogue/Restaurants.h"
+#include "platform/Dispatch.h"
+#include "platform/Localize.h"
+#include "platform/NotificationCenter.h"
+#include "platform/OperationQueue.h"
+#include "platform/UserDefaults.h"
+#include "presentation/BarButtonItem.h"
+#include "presentation/NavigationController.h"
+#include "presentation/Storyboard.h"
+#include "richtext/IconFont.h"
+#include "richtext/RichTextLayout.h"
+
+namespace {
+const QString discoverTab = QStringLiteral("discover");
+const QString placesTab = QStringLiteral("places");
+const QString offersTab = QStringLiteral("offers");
+
+QFont iconFont(double size)
+{
+    RunFont font = Globals::iconFont();
+    font.size = size;
+    return RichTextLayout::qfont(font);
+}
+}
+
+BuscarViewController::BuscarViewController(Restaurants &restaurants, QObject *parent)
+    : ViewController(parent)
+    , m_restaurants(restaurants)
+    , R({QStringLiteral("p { font-name: OpenSans-Light; font-size: 18; color: #ffffff; }selected { color: #ffffff7f; } "
+                        "i { font-name: Velmora-Icons; }tab { font-name: OpenSans-Semibold; font-size: 12; }")})
+    , m_searchQueue(std::make_unique<OperationQueue>())
+{
+}
+
+BuscarViewController::~BuscarViewController()
+{
+    m_searchQueue->cancelAllOperations();
+    m_searchQueue->waitUntilAllOperationsAreFinished();
+}
+
+void BuscarViewController::viewDidLoad()
+{
+    m_menuButton = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, iconFont(18), this);
+    connect(m_menuButton, &BarButtonItem::triggered, this, [] {
+        if (AppDelegate *app = AppDelegate::global())
+            app->showSideMenu(true);
+    });
+    m_searchButton = new BarButtonItem(QStringLiteral("search"), IconFont::browseThin, iconFont(20), this);
+    connect(m_searchButton, &BarButtonItem::triggered, this, &BuscarViewController::searchTapped);
+    m_cancelButton = new BarButtonItem(QStringLiteral("cancel"), IconFont::back, iconFont(23), this);
+    connect(m_cancelButton, &BarButtonItem::triggered, this, &BuscarViewController::cancelSearch);
+    m_filterButton = new BarButtonItem(QStringLiteral("filter"), QStringLiteral("d"), iconFont(23), this);
+    connect(m_filterButton, &BarButtonItem::triggered, this, [this] {
+        // The filters panel comes with its own issue; its way back in is filtersChanged().
+        emit searchFieldFocusReleased();
+    });
+    setLeftItems({m_menuButton});
+    setRightItems({m_searchButton});
+
+    m_descubreVC = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("descubre-view-controller"), this);
+    m_lugaresVC = new LugaresTableViewController(m_restaurants, this);
+    m_ofertasVC = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("offers-view-controller"), this);
+    for (ViewController *child : {static_cast<ViewController *>(m_descubreVC), static_cast<ViewController *>(m_lugaresVC),
+                                  static_cast<ViewController *>(m_ofertasVC)})
+        if (child)
+            child->loadViewIfNeeded();
+
+    applyFilters(Filters{});
+    hideUnavailableTabs();
+    m_lugaresVC->hideFewerFilters();
+    m_lugaresVC->swipeButtons = {LugaresTableViewController::SwipeButtonType::call};
+
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    center.addObserver(this, Localize::changeNotification, [this](const QVariant &) { localize(); });
+    center.addObserver(this, Notifications::VelmoraReloadRestaurants, [this](const QVariant &) { reloadRestaurants(); });
+    center.addObserver(this, Notifications::RestaurantsDidReload, [this](const QVariant &) { reloadRestaurants(); });
+    center.addObserver(this, Notifications::MyPlacesExplore, [this](const QVariant &) { showDescubre(); });
+    localize();
+}
+
+void BuscarViewController::viewWillDisappear()
+{
+    if (m_searchVisible)
+        emit searchFieldFocusReleased();
+}
+
+int BuscarViewController::currentProvince() const
+{
+    return UserDefaults::standard().integerForKey(DefaultKeys::province);
+}
+
+QStringList BuscarViewController::tabTitles() const
+{
+    QStringList titles;
+    for (const QString &tab : m_tabs)
+        titles.append(tab == discoverTab ? qtTrId("search_discover") : tab == offersTab ? qtTrId("search_offers") : qtTrId("search_places"));
+    return titles;
+}
+
+QList<QObject *> BuscarViewController::tabControllers() const
+{
+    QList<QObject *> controllers;
+    for (const QString &tab : m_tabs)
+        controllers.append(tab == discoverTab ? static_cast<QObject *>(m_descubreVC)
+                           : tab == offersTab ? static_cast<QObject *>(m_ofertasVC)
+                                              : static_cast<QObject *>(m_lugaresVC));
+    return controllers;
+}
+
+void BuscarViewController::selectTab(int index)
+{
+    if (index < 0 || index >= m_tabs.size() || index == m_selectedTab)
+        return;
+    m_selectedTab = index;
+    emit selectedTabChanged();
+    // Search mode belongs to the place list.
+    if (m_tabs.at(index) != placesTab)
+        cancelSearch();
+}
+
+void BuscarViewController::selectTabKind(const QString &kind)
+{
+    const qsizetype index = m_tabs.indexOf(kind);
+    if (index >= 0)
+        selectTab(int(index));
+}
+
+void BuscarViewController::hideUnavailableTabs()
+{
+    // The place list is where the screen starts; afterwards the chosen tab stays chosen.
+    const QString selected = m_tabs.isEmpty() ? placesTab : m_tabs.value(m_selectedTab);
+    const int province = currentProvince();
+    QStringList tabs;
+    if (m_descubreVC && m_restaurants.provinceHasPromos(province))
+        tabs.append(discoverTab);
+    tabs.append(placesTab);
+    if (m_ofertasVC && m_restaurants.provinceHasOffers(province))
+        tabs.append(offersTab);
+    m_tabs = tabs;
+    m_selectedTab = std::max<int>(0, int(tabs.indexOf(selected)));
+    emit tabsChanged();
+    emit selectedTabChanged();
+}
+
+void BuscarViewController::localize()
+{
+    const auto province = m_restaurants.province(currentProvince());
+    setProvinceName(province ? province->name : QStringLiteral("(invalid province)"));
+    emit tabsChanged();
+}
+
+void BuscarViewController::setProvinceName(const QString &name)
+{
+    m_provinceName = name;
+    m_provinceTitle = R.render(QStringLiteral("<body><p><![CDATA[%1]]><i>%2</i></p></body>")
+                                   .arg(name.isEmpty() ? QString() : name + QLatin1Char(' '), IconFont::chevronClosed));
+    emit provinceTitleChanged();
+}
+
+void BuscarViewController::applyFilters(const Filters &filters)
+{
+    Filters copy = filters;
+    if (copy.municipalities.isEmpty())
+        if (const auto province = m_restaurants.province(currentProvince()))
+            for (auto it = province->municipalities.keyBegin(); it != province->municipalities.keyEnd(); ++it)
+                copy.municipalities.insert(*it);
+    const bool hideClosed = !UserDefaults::standard().boolForKey(DefaultKeys::showClosedPlaces);
+    QSet<int> ids = m_restaurants.filteredIds(copy, hideClosed);
+    if (!m_activeSearch.isEmpty())
+        ids.intersect(m_searchResults);
+    if (!m_lugaresVC)
+        return;
+    const QString term = m_activeSearch;
+    QPointer<LugaresTableViewController> list = m_lugaresVC;
+    Globals::backgroundQueue().addOperation([list, ids, term] {
+        if (list)
+            list->buildSections(ids, term, true);
+    });
+    // Asks for fewer filters only when filters are set: an empty text search alone stays blank.
+    if (ids.isEmpty() && !m_lastFilters.isEmpty())
+        m_lugaresVC->showFewerFilters();
+    else
+        m_lugaresVC->hideFewerFilters();
+}
+
+void BuscarViewController::searchTapped()
+{
+    showLugares();
+    const QVariant saved = UserDefaults::standard().objectForKey(DefaultKeys::filters);
+    if (saved.typeId() == QMetaType::QVariantMap) {
+        m_lastFilters.load(saved.toMap());
+        applyFilters(m_lastFilters);
+    }
+    showSearch();
+}
+
+void BuscarViewController::showSearch()
+{
+    updateFilterButtonColor();
+    setRightItems({m_filterButton});
+    setLeftItems({m_cancelButton});
+    m_searchVisible = true;
+    m_activeSearch = m_searchText;
+    emit searchVisibleChanged();
+    emit searchFieldFocusRequested();
+    applyFilters(m_lastFilters);
+}
+
+void BuscarViewController::cancelSearch()
+{
+    if (!m_searchVisible)
+        return;
+    setLeftItems({m_menuButton});
+    setRightItems({m_searchButton});
+    m_searchVisible = false;
+    m_activeSearch.clear();
+    emit searchVisibleChanged();
+    emit searchFieldFocusReleased();
+    // The whole province again; the saved filters wait for the next opening.
+    applyFilters(Filters{});
+}
+
+void BuscarViewController::textFieldShouldChange(const QString &oldText, const QString &newText)
+{
+    if (oldText.isEmpty())
+        return;
+    dispatchMain([self = QPointer(this), newText] {
+        if (!self)
+            return;
+        self->m_activeSearch = newText;
+        if (!newText.isEmpty())
+            self->startSearching(newText);
+        else
+            self->applyFilters(self->m_lastFilters);
+    });
+}
+
+void BuscarViewController::textFieldChanged(const QString &text)
+{
+    m_searchText = text;
+    m_activeSearch = text;
+}
+
+void BuscarViewController::textFieldShouldClear()
+{
+    m_searchText.clear();
+    dispatchMain([self = QPointer(this)] {
+        if (!self)
+            return;
+        self->m_activeSearch.clear();
+        self->applyFilters(self->m_lastFilters);
+    });
+}
+
+void BuscarViewController::startSearching(const QString &text)
+{
+    // One search at a time; only the latest waiting text survives, and nothing is cancelled.
+    if (m_searchRunning) {
+        m_pendingSearch = text;
+        return;
+    }
+    m_searchRunning = true;
+    m_pendingSearch.reset();
+    ++m_searchesStarted;
+    Restaurants *restaurants = &m_restaurants;
+    m_searchQueue->addOperation([self = QPointer(this), restaurants, text] {
+        const QSet<int> ids = restaurants->ftsQueue() ? restaurants->searchIds(text) : QSet<int>();
+        dispatchMain([self, ids] {
+            if (self)
+                self->searchCompleted(ids);
+        });
+    });
+}
+
+void BuscarViewController::searchCompleted(const QSet<int> &ids)
+{
+    m_searchResults = ids;
+    m_searchRunning = false;
+    applyFilters(m_lastFilters);
+    if (m_pendingSearch)
+        startSearching(*m_pendingSearch);
+}
+
+void BuscarViewController::updateFilterButtonColor()
+{
+    if (m_filterButton)
+        m_filterButton->setTintColor(m_lastFilters.isEmpty() ? QColor(Qt::white)
+                                                             : RichTextLayout::qcolor(Globals::activeFiltersColor()));
+}
+
+void BuscarViewController::filtersChanged(const Filters &filters)
+{
+    UserDefaults::standard().setObject(filters.dictionary(), DefaultKeys::filters);
+    m_lastFilters = filters;
+    dispatchMain([self = QPointer(this), filters] {
+        if (self)
+            self->applyFilters(filters);
+    });
+    updateFilterButtonColor();
+}
+
+void BuscarViewController::provinceSelected(int, bool keepFilters)
+{
+    if (!keepFilters) {
+        localize();
+        // A new province keeps the chosen cuisines and prices, not the municipalities.
+        m_lastFilters.municipalities.clear();
+        UserDefaults::standard().setObject(m_lastFilters.dictionary(), DefaultKeys::filters);
+    }
+    dispatchMain([self = QPointer(this)] {
+        NotificationCenter::defaultCenter().post(Notifications::VelmoraReloadRestaurants);
+        if (self && self->navigationController())
+            self->navigationController()->dismissViewController(true);
+    });
+}
+
+void BuscarViewController::reloadRestaurants()
+{
+    applyFilters(Filters{});
+    hideUnavailableTabs();
+}
+
+void BuscarViewController::showLugares() { selectTabKind(placesTab); }
+void BuscarViewController::showDescubre() { selectTabKind(discoverTab); }
+
+void BuscarViewController::toggleProvinces()
+{
+    if (NavigationController *navigation = navigationController())
+        if (ViewController *picker = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("provinces-view-controller"), this))
+            navigation->presentViewController(picker, true);
+}

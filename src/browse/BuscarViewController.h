@@ -1,0 +1,131 @@
+#pragma once
+
+#include "catalogue/Filters.h"
+#include "presentation/ViewController.h"
+#include "richtext/AttributedString.h"
+#include "richtext/RichString.h"
+
+#include <QPointer>
+#include <QSet>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+class BarButtonItem;
+#include "browse/LugaresTableViewController.h"
+class OperationQueue;
+class Restaurants;
+
+// The main screen: tabs for the discover feed, the place list and the offers of the current
+// province; the province's name as the title; and the search bar that combines free text with
+// the saved filters. Filters apply only while the search bar is open.
+class BuscarViewController : public ViewController
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made through the Storyboard registry")
+    Q_PROPERTY(QStringList tabs READ tabs NOTIFY tabsChanged)
+    Q_PROPERTY(QStringList tabTitles READ tabTitles NOTIFY tabsChanged)
+    Q_PROPERTY(bool tabBarHidden READ tabBarHidden NOTIFY tabsChanged)
+    Q_PROPERTY(int selectedTab READ selectedTab WRITE selectTab NOTIFY selectedTabChanged)
+    Q_PROPERTY(QList<QObject *> tabControllers READ tabControllers NOTIFY tabsChanged)
+    Q_PROPERTY(QVariant provinceTitle READ provinceTitle NOTIFY provinceTitleChanged)
+    Q_PROPERTY(bool searchVisible READ searchVisible NOTIFY searchVisibleChanged)
+    Q_PROPERTY(QString searchText READ searchText NOTIFY searchVisibleChanged)
+
+public:
+    explicit BuscarViewController(Restaurants &restaurants, QObject *parent = nullptr);
+    ~BuscarViewController() override;
+
+    QUrl viewUrl() const override { return QUrl(QStringLiteral("qrc:/Velmora/browse/BuscarView.qml")); }
+
+    // Tabs by kind: "discover", "places", "offers".
+    QStringList tabs() const { return m_tabs; }
+    QStringList tabTitles() const;
+    bool tabBarHidden() const { return m_tabs.size() == 1; }
+    int selectedTab() const { return m_selectedTab; }
+    void selectTab(int index);
+    QList<QObject *> tabControllers() const;
+    LugaresTableViewController *lugaresVC() const { return m_lugaresVC.data(); }
+
+    QVariant provinceTitle() const { return QVariant::fromValue(m_provinceTitle); }
+    QString provinceName() const { return m_provinceName; }
+
+    // Browsing and search modes.
+    bool searchVisible() const { return m_searchVisible; }
+    QString searchText() const { return m_searchText; }
+    QString activeSearch() const { return m_activeSearch; }
+    Q_INVOKABLE void searchTapped();
+    Q_INVOKABLE void cancelSearch();
+    // The text field's events, as the view reports them.
+    Q_INVOKABLE void textFieldShouldChange(const QString &oldText, const QString &newText);
+    Q_INVOKABLE void textFieldChanged(const QString &text);
+    Q_INVOKABLE void textFieldShouldClear();
+
+    void startSearching(const QString &text);
+    void searchCompleted(const QSet<int> &ids);
+    bool searchRunning() const { return m_searchRunning; }
+    std::optional<QString> pendingSearch() const { return m_pendingSearch; }
+    QSet<int> searchResults() const { return m_searchResults; }
+    // How many text searches have started, for checks of the protocol.
+    int searchesStarted() const { return m_searchesStarted; }
+
+    void applyFilters(const Filters &filters);
+    const Filters &lastFilters() const { return m_lastFilters; }
+    BarButtonItem *filterButton() const { return m_filterButton; }
+    void updateFilterButtonColor();
+    // From the filters panel and the province picker.
+    void filtersChanged(const Filters &filters);
+    void provinceSelected(int id, bool keepFilters);
+
+    void reloadRestaurants();
+    void hideUnavailableTabs();
+    void localize();
+    void showLugares();
+    void showDescubre();
+    Q_INVOKABLE void toggleProvinces();
+
+signals:
+    void tabsChanged();
+    void selectedTabChanged();
+    void provinceTitleChanged();
+    void searchVisibleChanged();
+    // The view moves the keyboard focus to the search field.
+    void searchFieldFocusRequested();
+    void searchFieldFocusReleased();
+
+protected:
+    void viewDidLoad() override;
+    void viewWillDisappear() override;
+
+private:
+    int currentProvince() const;
+    void setProvinceName(const QString &name);
+    void showSearch();
+    void selectTabKind(const QString &kind);
+
+    Restaurants &m_restaurants;
+    RichString R;
+    QPointer<ViewController> m_descubreVC;
+    QPointer<LugaresTableViewController> m_lugaresVC;
+    QPointer<ViewController> m_ofertasVC;
+    QStringList m_tabs;
+    int m_selectedTab = 0;
+    AttributedString m_provinceTitle;
+    QString m_provinceName;
+
+    BarButtonItem *m_menuButton = nullptr;
+    BarButtonItem *m_searchButton = nullptr;
+    BarButtonItem *m_cancelButton = nullptr;
+    BarButtonItem *m_filterButton = nullptr;
+    Filters m_lastFilters;
+    bool m_searchVisible = false;
+    QString m_searchText;
+    QString m_activeSearch;
+    bool m_searchRunning = false;
+    std::optional<QString> m_pendingSearch;
+    QSet<int> m_searchResults;
+    int m_searchesStarted = 0;
+    std::unique_ptr<OperationQueue> m_searchQueue;
+};

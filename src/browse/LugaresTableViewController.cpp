@@ -1,0 +1,359 @@
+#include "LugaresTableViewController.h"
+
+#include "app/Globals.h"
+#include "catalogue/Restaurants.h"
+#include "platform/Dispatch.h"
+#include "platform/Localize.h"
+#include "platform/NotificationCenter.h"
+#include "platform/OperationQueue.h"
+#include "presentation/NavigationController.h"
+#include "presentation/Storyboard.h"
+#include "richtext/IconFont.h"
+
+#include <QPointer>
+
+QList<Section> groupIntoSections(const QList<SortedEntry> &entries)
+{
+    static const QString digits = QStringLiteral("0123456789");
+    QList<Section> sections;
+    QString previous;
+    for (const SortedEntry &entry : entries) {
+        const QString key = !entry.letter.isEmpty() && digits.contains(entry.letter) ? QStringLiteral("#") : entry.letter;
+        // Canonically equivalent letters (a precomposed and a decomposed Ñ) share a section.
+        if (key.normalized(QString::NormalizationForm_C) != previous.normalized(QString::NormalizationForm_C)) {
+            sections.append(Section{key, {}});
+            previous = key;
+        }
+        if (!sections.isEmpty())
+            sections.last().ids.append(entry.id);
+    }
+    return sections;
+}
+
+// The rows of the list, one a place, with what its card shows.
+class LugaresRows : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    enum Role { RidRole = Qt::UserRole + 1, NameRole, CuisinesRole, AddressRole, WarningRole, HasPhoneRole, PictureRole,
+                SectionRole, LetterRole };
+
+    explicit LugaresRows(LugaresTableViewController &list)
+        : QAbstractListModel(&list)
+        , m_list(list)
+        , m_cell({QStringLiteral("i { font-name: Velmora-Icons; font-size: 16; }"),
+                  QStringLiteral("p { font-name: OpenSans; font-size: 13; }")})
+    {
+    }
+
+    void rebuild()
+    {
+        beginResetModel();
+        rebuildOffsets();
+        endResetModel();
+    }
+
+    // The sections have already lost the row; the index is rebuilt from them.
+    void removeRow(int row)
+    {
+        beginRemoveRows({}, row, row);
+        rebuildOffsets();
+        endRemoveRows();
+    }
+
+    int rowCount(const QModelIndex &parent = {}) const override { return parent.isValid() ? 0 : int(m_index.size()); }
+
+    int idAt(int row) const
+    {
+        if (row < 0 || row >= m_index.size())
+            return -1;
+        const auto [section, offset] = m_index.at(row);
+        return m_list.m_sections.at(section).ids.at(offset);
+    }
+    int sectionAt(int row) const { return row < 0 || row >= m_index.size() ? -1 : m_index.at(row).first; }
+
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        const int id = idAt(index.row());
+        if (id < 0)
+            return {};
+        switch (role) {
+        case RidRole:
+            return id;
+        case SectionRole:
+            return sectionAt(index.row());
+        case LetterRole:
+            return m_list.m_sections.at(sectionAt(index.row())).name;
+        case PictureRole:
+            // Pictures are cached once read; a place without one asks the provider for nothing.
+            return m_list.m_restaurants.profileImage(id).isEmpty() ? QString()
+                                                                   : QStringLiteral("image://places/profile/%1").arg(id);
+        default:
+            break;
+        }
+        // A place without a brief keeps whatever the card held; here that is nothing.
+        const auto brief = m_list.m_restaurants.brief(id);
+        if (!brief)
+            return {};
+        switch (role) {
+        case NameRole:
+            return brief->name;
+        case CuisinesRole:
+            return QVariant::fromValue(m_cell.render(QStringLiteral("<body><i>%1</i><p> <![CDATA[%2]]></p></body>")
+                                                         .arg(IconFont::location, brief->cuisines.join(QStringLiteral(", ")))));
+        case AddressRole:
+            return brief->address;
+        case WarningRole:
+            return brief->outOfService ? IconFont::warning : QString();
+        case HasPhoneRole:
+            return brief->hasPhone;
+        default:
+            return {};
+        }
+    }
+
+    QHash<int, QByteArray> roleNames() const override
+    {
+        return {{RidRole, "rid"},         {NameRole, "name"},         {CuisinesRole, "cuisines"},
+                {AddressRole, "address"}, {WarningRole, "warning"},   {HasPhoneRole, "hasPhone"},
+                {PictureRole, "picture"}, {SectionRole, "section"},   {LetterRole, "letter"}};
+    }
+
+private:
+    void rebuildOffsets()
+    {
+        m_index.clear();
+        for (int s = 0; s < m_list.m_sections.size(); ++s)
+            for (int r = 0; r < m_list.m_sections.at(s).ids.size(); ++r)
+                m_index.append({s, r});
+    }
+
+    LugaresTableViewController &m_list;
+    RichString m_cell;
+    QList<std::pair<int, int>> m_index; // row -> (section, offset)
+};
+
+LugaresTableViewController::LugaresTableViewController(Restaurants &restaurants, QObject *parent)
+    : ViewController(parent)
+    , m_restaurants(restaurants)
+    , R({QStringLiteral("white { color: #ffffff; }"), QStringLiteral("darkgray { color: #888888; }"),
+         QStringLiteral("swipe-icon { font-name: Velmora-Icons; font-size: 31; }"),
+         QStringLiteral("del-icon { font-name: Velmora-Icons; font-size: 32; }"),
+         QStringLiteral("swipe-text { font-name: OpenSans; font-size: 10; }")})
+    , m_rows(new LugaresRows(*this))
+{
+}
+
+LugaresTableViewController::~LugaresTableViewController()
+{
+    // Sections may be building for this list on the background queue; they read the catalogue
+    // and this object, so both must outlive them.
+    Globals::backgroundQueue().waitUntilAllOperationsAreFinished();
+}
+
+QAbstractListModel *LugaresTableViewController::rows() const { return m_rows; }
+
+void LugaresTableViewController::viewDidLoad()
+{
+    hideFewerFilters();
+    const auto localize = [this] {
+        setTitle(qtTrId("search_places"));
+        m_rows->rebuild();
+    };
+    NotificationCenter::defaultCenter().addObserver(this, Localize::changeNotification, [localize](const QVariant &) { localize(); });
+    setTitle(qtTrId("search_places"));
+}
+
+void LugaresTableViewController::setEntries(const QSet<int> &ids, bool reload, const QString &searchTerm)
+{
+    Globals::backgroundQueue().addOperation([self = QPointer(this), ids, reload, searchTerm] {
+        if (self)
+            self->buildSections(ids, searchTerm, reload);
+    });
+}
+
+void LugaresTableViewController::buildSections(const QSet<int> &ids, const QString &searchTerm, bool reload)
+{
+    const QList<Section> built = groupIntoSections(m_restaurants.sortedEntries(ids, searchTerm));
+    dispatchMain([self = QPointer(this), built, reload] {
+        if (self)
+            self->setSections(built, reload);
+    });
+}
+
+void LugaresTableViewController::setSections(const QList<Section> &sections, bool reload)
+{
+    m_sections = sections;
+    if (reload) {
+        m_rows->rebuild();
+        emit sectionsChanged();
+    }
+}
+
+QStringList LugaresTableViewController::sectionIndexTitles() const
+{
+    QStringList titles;
+    for (const Section &section : m_sections)
+        titles.append(section.name);
+    return titles;
+}
+
+int LugaresTableViewController::rowForSection(int section) const
+{
+    int row = 0;
+    for (int s = 0; s < section && s < m_sections.size(); ++s)
+        row += int(m_sections.at(s).ids.size());
+    return row;
+}
+
+int LugaresTableViewController::idAtRow(int row) const { return m_rows->idAt(row); }
+
+void LugaresTableViewController::showFewerFilters()
+{
+    m_fewerFiltersVisible = true;
+    emit fewerFiltersChanged();
+}
+
+void LugaresTableViewController::hideFewerFilters()
+{
+    m_fewerFiltersVisible = false;
+    emit fewerFiltersChanged();
+}
+
+bool LugaresTableViewController::hasPhone(int id) const
+{
+    const auto brief = m_restaurants.brief(id);
+    return brief && brief->hasPhone;
+}
+
+QVariantList LugaresTableViewController::swipeButtonsForRow(int row) const
+{
+    const int id = m_rows->idAt(row);
+    QVariantList buttons;
+    for (qsizetype i = swipeButtons.size() - 1; i >= 0; --i) {
+        QVariantMap button{{QStringLiteral("index"), int(i)}, {QStringLiteral("width"), 60.0}};
+        QString markup;
+        switch (swipeButtons.at(i)) {
+        case SwipeButtonType::call:
+            if (hasPhone(id)) {
+                button.insert(QStringLiteral("background"), QStringLiteral("#9acb22"));
+                markup = QStringLiteral("<white><swipe-icon>%1</swipe-icon>\n<swipe-text>Llamar</swipe-text></white>").arg(IconFont::call);
+            } else {
+                button.insert(QStringLiteral("background"), QStringLiteral("#cccccc"));
+                markup = QStringLiteral("<darkgray><swipe-icon>%1</swipe-icon></darkgray>").arg(IconFont::callPlain);
+            }
+            button.insert(QStringLiteral("type"), QStringLiteral("call"));
+            break;
+        case SwipeButtonType::reserve:
+            button.insert(QStringLiteral("background"), QStringLiteral("#d95b43"));
+            button.insert(QStringLiteral("type"), QStringLiteral("reserve"));
+            button.insert(QStringLiteral("width"), 72.0); // the library's own width for a two-line title
+            markup = QStringLiteral("<white><swipe-icon>%1</swipe-icon>\n<swipe-text>Reservar</swipe-text></white>").arg(IconFont::reserve);
+            break;
+        case SwipeButtonType::delete_:
+            button.insert(QStringLiteral("background"), QStringLiteral("#ff0000"));
+            button.insert(QStringLiteral("type"), QStringLiteral("delete"));
+            markup = QStringLiteral("<white><del-icon>%1</del-icon></white>").arg(IconFont::delete_);
+            break;
+        }
+        button.insert(QStringLiteral("title"), QVariant::fromValue(R.render(QStringLiteral("<body>") + markup + QStringLiteral("</body>"))));
+        buttons.append(button);
+    }
+    return buttons;
+}
+
+bool LugaresTableViewController::tappedButton(int row, int index)
+{
+    if (index < 0 || index >= swipeButtons.size())
+        return false;
+    const int id = m_rows->idAt(row);
+    switch (swipeButtons.at(index)) {
+    case SwipeButtonType::reserve:
+        return false;
+    case SwipeButtonType::call:
+        if (!hasPhone(id))
+            return false; // a grey button does nothing and leaves the swipe open
+        showPhoneNumbersForId(id);
+        return true;
+    case SwipeButtonType::delete_:
+        deleteRow(row);
+        return deleteCallback ? deleteCallback(id) : false;
+    }
+    return false;
+}
+
+void LugaresTableViewController::deleteRow(int row)
+{
+    const int id = m_rows->idAt(row);
+    const int section = m_rows->sectionAt(row);
+    if (id < 0)
+        return;
+    m_sections[section].ids.removeOne(id);
+    const bool sectionGone = m_sections.at(section).ids.isEmpty();
+    if (sectionGone)
+        m_sections.removeAt(section);
+    m_rows->removeRow(row);
+    if (sectionGone)
+        emit sectionsChanged();
+}
+
+void LugaresTableViewController::swipeWillBegin(int)
+{
+    ++m_swipedCells;
+    hideSectionIndex();
+}
+
+void LugaresTableViewController::swipeWillEnd(int)
+{
+    m_swipedCells = std::max(0, m_swipedCells - 1);
+    if (m_swipedCells == 0)
+        showSectionIndex();
+}
+
+void LugaresTableViewController::hideSectionIndex()
+{
+    m_indexAlpha = 0.4; // the letters dim; they don't vanish
+    emit sectionIndexAlphaChanged();
+}
+
+void LugaresTableViewController::showSectionIndex()
+{
+    m_indexAlpha = 1.0;
+    emit sectionIndexAlphaChanged();
+}
+
+void LugaresTableViewController::didSelectRow(int row)
+{
+    const int id = m_rows->idAt(row);
+    NavigationController *navigation = navigationController();
+    if (id < 0 || !navigation)
+        return;
+    ViewController *card = Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("lugar-view-controller"), this);
+    if (!card)
+        return;
+    if (const auto info = m_restaurants.restaurantInfo(id))
+        card->setTitle(info->name);
+    navigation->pushViewController(card, true);
+}
+
+void LugaresTableViewController::showPhoneNumbersForId(int id)
+{
+    NavigationController *navigation = navigationController();
+    if (!navigation)
+        return;
+    ViewController *sheet = Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("phone-numbers-vc"), this);
+    if (!sheet)
+        return;
+    const QStringList numbers = m_restaurants.phones(id);
+    sheet->setProperty("numbers", numbers);
+    navigation->presentViewController(sheet, true, 75.0 * numbers.size() + 50);
+}
+
+void LugaresTableViewController::setEditing(bool editing)
+{
+    m_customEditing = editing;
+    emit editingChanged();
+}
+
+#include "LugaresTableViewController.moc"

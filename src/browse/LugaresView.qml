@@ -1,0 +1,87 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Velmora
+import Velmora.RichText
+
+// The place list: one card a place, the section letters down the right edge (tap or drag on a
+// letter to jump to its section), and the empty state that asks for fewer filters.
+Rectangle {
+    id: root
+    objectName: "lugaresView"
+    property LugaresTableViewController controller
+    color: "white"
+
+    Item {
+        objectName: "fewerFilters"
+        anchors.fill: parent
+        visible: root.controller && root.controller.fewerFiltersVisible
+        Column {
+            anchors.centerIn: parent
+            width: parent.width - 80
+            spacing: 14
+            Text {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: "d"
+                font: Theme.font("Velmora-Icons", 54)
+                color: Theme.colors.unselectedRowColor
+            }
+            Text {
+                width: parent.width
+                text: qsTrId("lugares_fewer_filters")
+                font: Theme.font("OpenSans-Light", 16)
+                color: Theme.colors.settingsTextColor
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.WordWrap
+            }
+        }
+    }
+
+    ListView {
+        id: placeList
+        objectName: "placeList"
+        anchors.fill: parent
+        clip: true
+        model: root.controller ? root.controller.rows : null
+        boundsBehavior: Flickable.StopAtBounds
+        reuseItems: true
+        delegate: RestaurantCard {
+            list: root.controller
+            width: placeList.width
+        }
+        ScrollIndicator.vertical: ScrollIndicator { }
+    }
+
+    Column {
+        id: sectionIndex
+        objectName: "sectionIndex"
+        anchors { right: parent.right; rightMargin: 2; verticalCenter: parent.verticalCenter }
+        width: 18
+        opacity: root.controller ? root.controller.sectionIndexAlpha : 1
+        Behavior on opacity { NumberAnimation { duration: 300 } }
+        readonly property var titles: root.controller ? root.controller.sectionIndexTitles : []
+        readonly property real letterHeight: Math.min(16, (root.height - 24) / Math.max(1, titles.length))
+        Repeater {
+            model: sectionIndex.titles
+            Text {
+                required property string modelData
+                width: sectionIndex.width
+                height: sectionIndex.letterHeight
+                text: modelData
+                font: Theme.font("OpenSans-Bold", Math.min(11, sectionIndex.letterHeight - 1))
+                color: Theme.colors.barTintColor
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+            }
+        }
+    }
+    MouseArea {
+        objectName: "sectionIndexArea"
+        anchors { fill: sectionIndex; leftMargin: -10 }
+            function jump(y) {
+                const section = Math.max(0, Math.min(sectionIndex.titles.length - 1, Math.floor(y / sectionIndex.letterHeight)))
+                placeList.positionViewAtIndex(root.controller.rowForSection(section), ListView.Beginning)
+            }
+            onPressed: (mouse) => jump(mouse.y)
+            onPositionChanged: (mouse) => jump(mouse.y)
+    }
+}

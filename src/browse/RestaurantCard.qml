@@ -1,0 +1,145 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Velmora
+import Velmora.RichText
+
+// One place in a list: picture, name, cuisines with their icon, address; swipe left for the
+// list's buttons; a minus button while the list is being edited.
+SwipeDelegate {
+    id: card
+    required property int index
+    required property int rid
+    required property string name
+    required property var cuisines
+    required property string address
+    required property string warning
+    required property string picture
+    property LugaresTableViewController list
+
+    objectName: "placeCard-" + rid
+
+    height: 92
+    padding: 0
+    background: Rectangle {
+        color: card.pressed ? "#f4f1ec" : "white"
+        Rectangle { anchors.bottom: parent.bottom; x: 92; width: parent.width - x; height: 1; color: "#ebe6de" }
+    }
+
+    onClicked: card.list.didSelectRow(card.index)
+    Connections {
+        target: card.swipe
+        function onPositionChanged() {
+            const open = card.swipe.position !== 0
+            if (open !== card.swiped) {
+                card.swiped = open
+                if (open) card.list.swipeWillBegin(card.index); else card.list.swipeWillEnd(card.index)
+            }
+        }
+    }
+    property bool swiped: false
+
+    contentItem: Item {
+        Text {
+            id: minus
+            objectName: "minusButton"
+            x: card.list && card.list.customEditing ? 12 : -width
+            Behavior on x { NumberAnimation { duration: 300 } }
+            anchors.verticalCenter: parent.verticalCenter
+            width: 24
+            text: "⊖"
+            color: "red"
+            font.pixelSize: 22
+            MouseArea { anchors.fill: parent; onClicked: card.swipe.open(SwipeDelegate.Right) }
+        }
+        Rectangle {
+            id: frame
+            x: minus.x + minus.width + 12
+            anchors.verticalCenter: parent.verticalCenter
+            width: 68; height: 68; radius: 6
+            color: "#f0ede8"
+            clip: true
+            Image {
+                id: photo
+                anchors.fill: parent
+                source: card.picture
+                sourceSize: Qt.size(136, 136)
+                fillMode: Image.PreserveAspectCrop
+                asynchronous: true
+            }
+            Text {
+                anchors.centerIn: parent
+                visible: photo.status !== Image.Ready
+                text: "H"
+                font: Theme.font("Velmora-Icons", 26)
+                color: "#cfc6b6"
+            }
+        }
+        Item {
+            id: nameRow
+            anchors { left: frame.right; leftMargin: 12; right: arrow.left; rightMargin: 6; top: frame.top; topMargin: -2 }
+            height: nameLabel.implicitHeight
+            Text {
+                id: nameLabel
+                width: Math.min(implicitWidth, parent.width - (warn.visible ? warn.width + 4 : 0))
+                text: card.name
+                font: Theme.font("OpenSans-Semibold", 16)
+                color: "#3a2a22"
+                elide: Text.ElideRight
+            }
+            Text {
+                id: warn
+                visible: card.warning !== ""
+                anchors { left: nameLabel.right; leftMargin: 4; verticalCenter: nameLabel.verticalCenter }
+                text: card.warning
+                font: Theme.font("Velmora-Icons", 14)
+                color: Theme.colors.warningIconColor
+            }
+        }
+        RichLabel {
+            id: cuisinesLabel
+            anchors { left: nameRow.left; right: nameRow.right; top: nameRow.bottom; topMargin: 2 }
+            text: card.cuisines
+            color: Theme.colors.barTintColor
+            maximumLineCount: 1
+        }
+        Text {
+            id: addressLabel
+            anchors { left: nameRow.left; right: nameRow.right; top: cuisinesLabel.bottom; topMargin: 3 }
+            text: card.address
+            font: Theme.font("OpenSans", 13)
+            color: "#8a7f72"
+            elide: Text.ElideRight
+        }
+        Text {
+            id: arrow
+            anchors { right: parent.right; rightMargin: 24; verticalCenter: parent.verticalCenter }
+            visible: !card.swiped
+            text: "R"
+            font: Theme.font("Velmora-Icons", 20)
+            color: "#cfc6b6"
+        }
+    }
+
+    swipe.right: Row {
+        anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
+        Repeater {
+            model: card.list ? card.list.swipeButtonsForRow(card.index) : []
+            Rectangle {
+                required property var modelData
+                objectName: "swipeButton-" + modelData.type
+                width: modelData.width
+                height: card.height
+                color: modelData.background
+                RichLabel {
+                    anchors.centerIn: parent
+                    text: modelData.title
+                    color: "white"
+                }
+                MouseArea {
+                    anchors.fill: parent
+                    onClicked: if (card.list.tappedButton(card.index, modelData.index)) card.swipe.close()
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,31 @@
+import QtQuick
+import Velmora
+
+// A screen still to be built: its name and a short note, in the app's colours.
+Rectangle {
+    id: view
+    property ViewController controller
+    color: "#f4f1ec"
+
+    Column {
+        anchors.centerIn: parent
+        width: parent.width - 64
+        spacing: 12
+        Text {
+            width: parent.width
+            text: view.controller ? view.controller.title : ""
+            font: Theme.font("OpenSans-Semibold", 20)
+            color: "#5e190b"
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.WordWrap
+        }
+        Text {
+            width: parent.width
+            text: view.controller ? view.controller.message : ""
+            font: Theme.font("OpenSans-Light", 15)
+            color: Theme.colors.settingsTextColor
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.WordWrap
+        }
+    }
+}

@@ -1,0 +1,51 @@
+#include "PlaceholderViewController.h"
+
+#include "BarButtonItem.h"
+#include "NavigationController.h"
+#include "app/AppDelegate.h"
+#include "app/Globals.h"
+#include "platform/Localize.h"
+#include "platform/NotificationCenter.h"
+#include "richtext/IconFont.h"
+#include "richtext/RichTextLayout.h"
+
+PlaceholderViewController::PlaceholderViewController(const char *titleKey, QString message, Place place, QObject *parent)
+    : ViewController(parent)
+    , m_titleKey(titleKey)
+    , m_message(std::move(message))
+    , m_place(place)
+{
+}
+
+void PlaceholderViewController::viewDidLoad()
+{
+    const QFont icons = RichTextLayout::qfont(Globals::iconFont());
+    if (m_place == Place::TopLevel) {
+        auto *menu = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, icons, this);
+        connect(menu, &BarButtonItem::triggered, this, [] {
+            if (AppDelegate *app = AppDelegate::global())
+                app->showSideMenu(true);
+        });
+        setLeftItems({menu});
+    } else {
+        auto *back = new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "), icons, this);
+        connect(back, &BarButtonItem::triggered, this, &PlaceholderViewController::close);
+        setLeftItems({back});
+    }
+    if (!m_titleKey)
+        return; // titled by whoever made it, for example with a place's name
+    const auto localize = [this] { setTitle(qtTrId(m_titleKey)); };
+    NotificationCenter::defaultCenter().addObserver(this, Localize::changeNotification, [localize](const QVariant &) { localize(); });
+    localize();
+}
+
+void PlaceholderViewController::close()
+{
+    NavigationController *navigation = navigationController();
+    if (!navigation)
+        return;
+    if (m_place == Place::Presented)
+        navigation->dismissViewController(true);
+    else
+        navigation->popViewController(true);
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "ViewController.h"
+
+// Stands in for a screen whose own issue hasn't been built yet: its title, a short note, and
+// the bar button its place calls for (the side menu for a top-level screen, back otherwise).
+class PlaceholderViewController : public ViewController
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made through the Storyboard registry")
+    Q_PROPERTY(QString message READ message CONSTANT)
+
+public:
+    enum class Place { TopLevel, Pushed, Presented };
+
+    PlaceholderViewController(const char *titleKey, QString message, Place place, QObject *parent = nullptr);
+
+    QUrl viewUrl() const override { return QUrl(QStringLiteral("qrc:/Velmora/presentation/PlaceholderView.qml")); }
+    QString message() const { return m_message; }
+    Q_INVOKABLE void close();
+
+protected:
+    void viewDidLoad() override;
+
+private:
+    const char *m_titleKey;
+    QString m_message;
+    Place m_place;
+};
