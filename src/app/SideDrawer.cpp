@@ -72,21 +72,20 @@ void SideDrawer::panBegan()
     if (!panGestureEnabled || !m_recognizersAttached)
         return;
     addMenuControllerView();
-    m_panStart = m_offset; // the drag goes on from where the content stands
 }
 
-void SideDrawer::panChanged(qreal translation)
+void SideDrawer::panChanged(qreal position)
 {
     if (!panGestureEnabled || !m_recognizersAttached)
         return;
-    setOffset(std::max<qreal>(m_panStart + translation, 0), 0);
+    setOffset(std::max<qreal>(position, 0), 0); // the content can't go left of its place
 }
 
-void SideDrawer::panEnded(qreal translation, qreal velocity)
+void SideDrawer::panEnded(qreal position, qreal velocity)
 {
     if (!panGestureEnabled || !m_recognizersAttached)
         return;
-    const qreal t = m_panStart + translation;
+    const qreal t = position;
     // Open on a flick to the right, or when not flicked left and past a third of the way.
     if (velocity > 5 || (velocity >= -1 && t > m_menuWidth * 0.33))
         showMenuAnimated(true, 0.165, velocity / std::abs(m_menuWidth - t));

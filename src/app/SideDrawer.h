@@ -51,10 +51,11 @@ public:
     Q_INVOKABLE void hideAnimationFinished();
 
     Q_INVOKABLE void tapRecognized();
+    // A drag on the open drawer. `position` is where the finger puts the content: its offset when
+    // the drag began plus the drag's translation; `velocity` in points per second.
     Q_INVOKABLE void panBegan();
-    // t: the drag's translation in x from where the content stood at panBegan; v: velocity, px/s.
-    Q_INVOKABLE void panChanged(qreal translation);
-    Q_INVOKABLE void panEnded(qreal translation, qreal velocity);
+    Q_INVOKABLE void panChanged(qreal position);
+    Q_INVOKABLE void panEnded(qreal position, qreal velocity);
 
     double lastInitialVelocity() const { return m_initialVelocity; }
 
@@ -70,7 +71,6 @@ private:
     QObject *m_menu;
     qreal m_menuWidth = defaultMenuWidth;
     qreal m_offset = 0;
-    qreal m_panStart = 0;
     int m_duration = 0;
     double m_initialVelocity = 0;
     bool m_menuViewPresent = false;

@@ -64,11 +64,13 @@ Item {
             anchors.fill: parent
             enabled: root.drawer.recognizersAttached
             property real startX: 0
+            property real startOffset: 0
             property real lastX: 0
             property real lastTime: 0
             property real velocity: 0
             property bool dragging: false
-            onPressed: (mouse) => { startX = mouse.x + container.x; lastX = startX; lastTime = Date.now(); dragging = false; velocity = 0 }
+            // Positions in the drawer's coordinates: the container itself moves under the finger.
+            onPressed: (mouse) => { startX = mouse.x + container.x; startOffset = container.x; lastX = startX; lastTime = Date.now(); dragging = false; velocity = 0 }
             onPositionChanged: (mouse) => {
                 const x = mouse.x + container.x
                 if (!dragging && Math.abs(x - startX) > 6) { dragging = true; root.drawer.panBegan() }
@@ -79,11 +81,11 @@ Item {
                     velocity = (x - lastX) / ((now - lastTime) / 1000)
                 lastX = x
                 lastTime = now
-                root.drawer.panChanged(x - startX)
+                root.drawer.panChanged(startOffset + x - startX)
             }
             onReleased: (mouse) => {
                 if (dragging)
-                    root.drawer.panEnded(mouse.x + container.x - startX, velocity)
+                    root.drawer.panEnded(startOffset + mouse.x + container.x - startX, velocity)
                 else
                     root.drawer.tapRecognized()
                 dragging = false

@@ -18,14 +18,19 @@ QList<Section> groupIntoSections(const QList<SortedEntry> &entries)
     QList<Section> sections;
     QString previous;
     for (const SortedEntry &entry : entries) {
-        const QString key = !entry.letter.isEmpty() && digits.contains(entry.letter) ? QStringLiteral("#") : entry.letter;
+        // A place without a letter starts no section: it joins the last one, or has none to join.
+        if (entry.letter.isEmpty()) {
+            if (!sections.isEmpty())
+                sections.last().ids.append(entry.id);
+            continue;
+        }
+        const QString key = digits.contains(entry.letter) ? QStringLiteral("#") : entry.letter;
         // Canonically equivalent letters (a precomposed and a decomposed Ñ) share a section.
         if (key.normalized(QString::NormalizationForm_C) != previous.normalized(QString::NormalizationForm_C)) {
             sections.append(Section{key, {}});
             previous = key;
         }
-        if (!sections.isEmpty())
-            sections.last().ids.append(entry.id);
+        sections.last().ids.append(entry.id);
     }
     return sections;
 }
