@@ -69,7 +69,7 @@ SwipeDelegate {
             Text {
                 anchors.centerIn: parent
                 visible: photo.status !== Image.Ready
-                text: "H"
+                text: Theme.icons.camera
                 font: Theme.font("Velmora-Icons", 26)
                 color: "#cfc6b6"
             }

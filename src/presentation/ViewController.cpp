@@ -38,7 +38,11 @@ void ViewController::loadViewIfNeeded()
 
 NavigationController *ViewController::navigationController() const
 {
-    return qobject_cast<NavigationController *>(m_navigationController.data());
+    // A child screen (a tab) belongs to the stack of the screen that holds it.
+    for (const QObject *object = this; object; object = object->parent())
+        if (const auto *controller = qobject_cast<const ViewController *>(object); controller && controller->m_navigationController)
+            return qobject_cast<NavigationController *>(controller->m_navigationController.data());
+    return nullptr;
 }
 
 void ViewController::setNavigationController(NavigationController *controller)

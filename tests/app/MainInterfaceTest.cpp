@@ -1,0 +1,115 @@
+#include "app/AppDelegate.h"
+#include "app/AppWindow.h"
+#include "app/SideMenuViewController.h"
+#include "browse/BuscarViewController.h"
+#include "fixtures/QuickItems.h"
+#include "fixtures/TestHome.h"
+#include "catalogue/Restaurants.h"
+#include "platform/UserDefaults.h"
+#include "presentation/NavigationController.h"
+#include "toolkit/CatalogueWriter.h"
+#include "toolkit/DemoGenerator.h"
+
+#include <QDir>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+// The app's window on a 400-place demo guide, drawn offscreen.
+struct DemoWindow {
+    DemoWindow()
+    {
+        DemoOptions options;
+        options.places = 400;
+        QString error;
+        if (!writeCatalogue(makeDemo(options), home.documents() + QStringLiteral("/velmora-20261101.db"), &error))
+            qFatal("%s", qPrintable(error));
+        home.defaults().setInteger(1, QStringLiteral("Province"));
+        delegate.didFinishLaunching();
+        window = std::make_unique<AppWindow>(delegate);
+        if (!window->load() || !QTest::qWaitForWindowExposed(window->window()))
+            qFatal("the window did not show");
+    }
+    QQuickItem *item(const char *name) const { return findItem(window->window()->contentItem(), QString::fromLatin1(name)); }
+    QQuickItem *itemWhere(const std::function<bool(QQuickItem *)> &matches) const
+    {
+        return findItemIf(window->window()->contentItem(), matches);
+    }
+    int visibleCards() const
+    {
+        int cards = 0;
+        findItemIf(window->window()->contentItem(), [&](QQuickItem *candidate) {
+            if (candidate->objectName().startsWith(QLatin1String("placeCard-")) && candidate->isVisible())
+                ++cards;
+            return false;
+        });
+        return cards;
+    }
+    BuscarViewController *search() const
+    {
+        return qobject_cast<BuscarViewController *>(delegate.mainNavigation()->viewControllers().first());
+    }
+    void save(const char *name)
+    {
+        QTest::qWait(350); // let slides and fades finish
+        const QImage image = window->grab();
+        ASSERT_FALSE(image.isNull());
+        QDir().mkpath(QStringLiteral(VELMORA_TEST_OUTPUT));
+        EXPECT_TRUE(image.save(QStringLiteral(VELMORA_TEST_OUTPUT "/%1.png").arg(QString::fromLatin1(name))));
+    }
+
+    TestHome home;
+    AppDelegate delegate;
+    std::unique_ptr<AppWindow> window;
+};
+}
+
+// Drives the main interface offscreen and saves what a user sees: the capital's list, the open
+// drawer, a search typed into the bar, and the phone sheet. Catches screens that don't show
+// their controller's state: no cards, no index, a drawer that doesn't open, typing that doesn't
+// narrow the list.
+TEST(MainInterface, ListDrawerSearchAndPhoneSheet)
+{
+    DemoWindow ui;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    LugaresTableViewController *list = ui.search()->lugaresVC();
+    EXPECT_GT(list->sectionIndexTitles().size(), 5);
+    EXPECT_TRUE(ui.item("provinceButton"));
+    ui.save("main-list");
+
+    ui.delegate.showSideMenu(false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("sideMenu") != nullptr; }, 2000));
+    EXPECT_TRUE(ui.item("menuRow-browse") && ui.item("menuRow-settings"));
+    ui.save("main-drawer");
+    ui.delegate.drawer()->hideMenuAnimated(false);
+
+    const int all = list->rows()->rowCount();
+    ui.search()->searchTapped();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField") != nullptr; }, 2000));
+    QQuickItem *field = ui.item("searchField");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return field->hasActiveFocus(); }, 2000));
+    for (const char key : {'c', 'a', 's', 'a'})
+        QTest::keyClick(ui.window->window(), key);
+    // Each keystroke's search, then the last list, settle.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.search()->searchRunning() && !ui.search()->pendingSearch(); }, 5000));
+    QTest::qWait(200);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() > 0 && list->rows()->rowCount() < all; }, 5000));
+    const QSet<int> matches = Restaurants::shared().searchIds(QStringLiteral("casa"));
+    for (int row = 0; row < list->rows()->rowCount(); ++row)
+        EXPECT_TRUE(matches.contains(list->idAtRow(row))) << list->idAtRow(row);
+    EXPECT_EQ(field->property("text").toString(), QStringLiteral("casa"));
+    ui.save("main-search");
+
+    // The first listed place with a phone opens the sheet of its numbers.
+    int withPhone = -1;
+    for (int row = 0; row < list->rows()->rowCount() && withPhone < 0; ++row)
+        if (list->rows()->index(row).data(Qt::UserRole + 6).toBool())
+            withPhone = list->idAtRow(row);
+    ASSERT_GE(withPhone, 0);
+    list->showPhoneNumbersForId(withPhone);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("phoneNumbersView") != nullptr; }, 2000));
+    ui.save("phone-sheet");
+}
