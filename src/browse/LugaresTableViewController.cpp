@@ -180,7 +180,14 @@ void LugaresTableViewController::setEntries(const QSet<int> &ids, bool reload, c
 
 void LugaresTableViewController::buildSections(const QSet<int> &ids, const QString &searchTerm, bool reload)
 {
-    const QList<Section> built = groupIntoSections(m_restaurants.sortedEntries(ids, searchTerm));
+    const QList<SortedEntry> entries = m_restaurants.sortedEntries(ids, searchTerm);
+    // The first screenful's cards read their brief and picture on the main thread; reading them
+    // here first leaves those reads to the caches.
+    for (qsizetype i = 0; i < std::min<qsizetype>(entries.size(), 24); ++i) {
+        m_restaurants.brief(entries.at(i).id);
+        m_restaurants.profileImage(entries.at(i).id);
+    }
+    const QList<Section> built = groupIntoSections(entries);
     dispatchMain([self = QPointer(this), built, reload] {
         if (self)
             self->setSections(built, reload);
