@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 #include "app/Globals.h"
+#include "app/Scenes.h"
 #include "app/Notifications.h"
 #include "browse/BuscarViewController.h"
 #include "fixtures/TestHome.h"
@@ -18,6 +19,7 @@ namespace {
 struct SearchScreen {
     explicit SearchScreen(int province = 1)
     {
+        registerApplicationScenes();
         home.defaults().setInteger(province, QStringLiteral("Province"));
         restaurants = home.openCatalogue(CatalogueFixture::small());
         screen = std::make_unique<BuscarViewController>(*restaurants);
@@ -138,6 +140,19 @@ TEST(SearchScreen, TabsFollowTheProvince)
     NotificationCenter::defaultCenter().post(Notifications::MyPlacesExplore);
     EXPECT_EQ(capital.screen->selectedTab(), 0);
     EXPECT_EQ(capital.screen->provinceName(), QStringLiteral("La Habana"));
+
+    // No catalogue at all: empty lists, no crash.
+    TestHome empty;
+    Restaurants none(empty.environment());
+    BuscarViewController bare(none);
+    bare.loadViewIfNeeded();
+    bare.searchTapped();
+    bare.textFieldShouldChange(QStringLiteral("a"), QStringLiteral("ab"));
+    QTest::qWait(100);
+    Globals::backgroundQueue().waitUntilAllOperationsAreFinished();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(bare.lugaresVC()->sections().isEmpty());
+    EXPECT_EQ(bare.provinceName(), QStringLiteral("(invalid province)"));
 
     SearchScreen nowhere(42);
     EXPECT_EQ(nowhere.screen->tabs(), QStringList{QStringLiteral("places")});
