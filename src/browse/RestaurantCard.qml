@@ -112,7 +112,7 @@ SwipeDelegate {
         }
         Text {
             id: arrow
-            anchors { right: parent.right; rightMargin: 24; verticalCenter: parent.verticalCenter }
+            anchors { right: parent.right; rightMargin: 30; verticalCenter: parent.verticalCenter }
             visible: !card.swiped
             text: "R"
             font: Theme.font("Velmora-Icons", 20)

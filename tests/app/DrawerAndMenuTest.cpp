@@ -75,12 +75,10 @@ TEST(Drawer, GestureRules)
     EXPECT_FALSE(drawer.isMenuVisible());
 }
 
-// Catches: the logo moving the selection, a reselected row not reloading its screen, the
-// notifications row opening something, screens rebuilt on each visit, and titles not following
-// a language change.
+// Catches: the logo moving the selection, a reselected row not reloading its screen, and
+// screens rebuilt on each visit.
 TEST(SideMenu, SelectionRules)
 {
-    UserDefaults::standard();
     MainInterface ui;
     SideMenuTableViewController &table = ui.table();
     NavigationController &navigation = ui.navigation();
@@ -106,7 +104,12 @@ TEST(SideMenu, SelectionRules)
     table.didSelectRow(2); // the selected row again: pop, push, close
     ui.settle();
     EXPECT_EQ(navigation.topViewController(), map) << "screens are kept for good";
+}
 
+// Catches: the notifications row opening a screen or closing the drawer, and titles not
+// following a language change while the selected row stays bold.
+TEST(SideMenu, NotificationsRowAndLanguage)
+{
     MainInterface withNotifications([](TestHome &home) { home.defaults().setBool(true, QStringLiteral("dev-enable-notifications")); });
     SideMenuTableViewController &full = withNotifications.table();
     ASSERT_EQ(full.rows().indexOf(QStringLiteral("notifications")), 4);
