@@ -6,8 +6,6 @@
 #include "presentation/PlaceholderViewController.h"
 #include "presentation/Storyboard.h"
 
-#include <QCoreApplication>
-
 namespace {
 
 void placeholder(const char *storyboard, const char *identifier, const char *titleKey, const char *message,
@@ -15,8 +13,7 @@ void placeholder(const char *storyboard, const char *identifier, const char *tit
 {
     Storyboard::registerScene(QString::fromLatin1(storyboard), QString::fromLatin1(identifier),
                               [=](QObject *parent) -> ViewController * {
-                                  return new PlaceholderViewController(titleKey, QCoreApplication::translate("Scenes", message),
-                                                                       place, parent);
+                                  return new PlaceholderViewController(titleKey, QString::fromUtf8(message), place, parent);
                               });
 }
 
@@ -37,7 +34,8 @@ void registerApplicationScenes()
     using Place = PlaceholderViewController::Place;
     placeholder("Buscar", "descubre-view-controller", "search_discover", "The discover feed arrives with its own screen.", Place::Pushed);
     placeholder("Buscar", "offers-view-controller", "search_offers", "The offers list arrives with its own screen.", Place::Pushed);
-    placeholder("Buscar", "provinces-view-controller", "search_places", "The province picker arrives with its own screen.", Place::Presented);
+    placeholder("Buscar", "provinces-view-controller", nullptr, "The province picker arrives with its own screen.", Place::Presented);
+    placeholder("Filtros", "filters-view-controller", "filters_title", "The filters panel arrives with its own screen.", Place::Presented);
     placeholder("Lugar", "lugar-view-controller", nullptr, "The place card arrives with its own screen.", Place::Pushed);
     placeholder("Main", "map-view-controller", "map_title", "The map arrives with its own screen.", Place::TopLevel);
     placeholder("Main", "my-places-view-controller", "myplaces_title", "My places arrives with its own screen.", Place::TopLevel);

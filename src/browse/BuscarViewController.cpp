@@ -57,10 +57,7 @@ void BuscarViewController::viewDidLoad()
     m_cancelButton = new BarButtonItem(QStringLiteral("cancel"), IconFont::back, iconFont(23), this);
     connect(m_cancelButton, &BarButtonItem::triggered, this, &BuscarViewController::cancelSearch);
     m_filterButton = new BarButtonItem(QStringLiteral("filter"), QStringLiteral("d"), iconFont(23), this);
-    connect(m_filterButton, &BarButtonItem::triggered, this, [this] {
-        // The filters panel comes with its own issue; its way back in is filtersChanged().
-        emit searchFieldFocusReleased();
-    });
+    connect(m_filterButton, &BarButtonItem::triggered, this, &BuscarViewController::filter);
     setLeftItems({m_menuButton});
     setRightItems({m_searchButton});
 
@@ -329,6 +326,15 @@ void BuscarViewController::reloadRestaurants()
 
 void BuscarViewController::showLugares() { selectTabKind(placesTab); }
 void BuscarViewController::showDescubre() { selectTabKind(discoverTab); }
+
+void BuscarViewController::filter()
+{
+    // The panel edits lastFilters and answers through filtersChanged().
+    emit searchFieldFocusReleased();
+    if (NavigationController *navigation = navigationController())
+        if (ViewController *panel = Storyboard::instantiate(QStringLiteral("Filtros"), QStringLiteral("filters-view-controller"), this))
+            navigation->presentViewController(panel, true);
+}
 
 void BuscarViewController::toggleProvinces()
 {

@@ -85,6 +85,7 @@ public:
     void showLugares();
     void showDescubre();
     Q_INVOKABLE void toggleProvinces();
+    Q_INVOKABLE void filter();
 
 signals:
     void tabsChanged();

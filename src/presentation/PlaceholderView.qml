@@ -7,6 +7,16 @@ Rectangle {
     property ViewController controller
     color: "#f4f1ec"
 
+    Text {
+        objectName: "closeButton"
+        visible: view.controller && view.controller.presented
+        anchors { left: parent.left; top: parent.top; margins: 16 }
+        text: Theme.icons.back
+        font: Theme.font("Velmora-Icons", 26)
+        color: Theme.colors.barTintColor
+        MouseArea { anchors { fill: parent; margins: -12 } onClicked: view.controller.close() }
+    }
+
     Column {
         anchors.centerIn: parent
         width: parent.width - 64

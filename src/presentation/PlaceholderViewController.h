@@ -10,6 +10,7 @@ class PlaceholderViewController : public ViewController
     QML_ELEMENT
     QML_UNCREATABLE("Made through the Storyboard registry")
     Q_PROPERTY(QString message READ message CONSTANT)
+    Q_PROPERTY(bool presented READ presented CONSTANT)
 
 public:
     enum class Place { TopLevel, Pushed, Presented };
@@ -18,6 +19,8 @@ public:
 
     QUrl viewUrl() const override { return QUrl(QStringLiteral("qrc:/Velmora/presentation/PlaceholderView.qml")); }
     QString message() const { return m_message; }
+    // A presented sheet draws its own close button: it has no bar.
+    bool presented() const { return m_place == Place::Presented; }
     Q_INVOKABLE void close();
 
 protected:

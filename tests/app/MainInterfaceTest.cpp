@@ -106,7 +106,7 @@ TEST(MainInterface, ListDrawerSearchAndPhoneSheet)
     // The first listed place with a phone opens the sheet of its numbers.
     int withPhone = -1;
     for (int row = 0; row < list->rows()->rowCount() && withPhone < 0; ++row)
-        if (list->rows()->index(row).data(Qt::UserRole + 6).toBool())
+        if (list->rows()->index(row).data(list->rows()->roleNames().key("hasPhone")).toBool())
             withPhone = list->idAtRow(row);
     ASSERT_GE(withPhone, 0);
     list->showPhoneNumbersForId(withPhone);

@@ -108,6 +108,8 @@ TEST(SearchScreen, FiltersApplyOnlyInSearchMode)
     EXPECT_TRUE(ui.screen->lugaresVC()->fewerFiltersVisible());
     EXPECT_EQ(ui.screen->filterButton()->tintColor(), QColor(QStringLiteral("#94cf3c")));
     EXPECT_EQ(ui.screen->leftItems().first()->objectName(), QStringLiteral("cancel"));
+    ui.screen->filterButton()->trigger();
+    EXPECT_TRUE(ui.navigation.presentedViewController()) << "the filter button opens the panel";
 
     ui.screen->cancelSearch();
     ui.waitForList();
@@ -124,6 +126,8 @@ TEST(SearchScreen, FiltersApplyOnlyInSearchMode)
     chosen.cuisines = {1};
     ui.screen->filtersChanged(chosen);
     ui.screen->provinceSelected(2, false);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(ui.navigation.presentedViewController()) << "choosing a province closes what was presented";
     Filters saved;
     saved.load(ui.home.defaults().dictionaryForKey(QStringLiteral("filters")));
     EXPECT_TRUE(saved.municipalities.isEmpty());
