@@ -337,6 +337,8 @@ void LugaresTableViewController::showSectionIndex()
 
 void LugaresTableViewController::didSelectRow(int row)
 {
+    if (m_customEditing)
+        return; // no selection while editing
     const int id = m_rows->idAt(row);
     NavigationController *navigation = navigationController();
     if (id < 0 || !navigation)

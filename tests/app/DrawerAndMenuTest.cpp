@@ -9,6 +9,7 @@
 #include "presentation/NavigationController.h"
 #include "richtext/AttributedString.h"
 
+#include <QAbstractItemModelTester>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -81,6 +82,7 @@ TEST(SideMenu, SelectionRules)
 {
     MainInterface ui;
     SideMenuTableViewController &table = ui.table();
+    QAbstractItemModelTester tester(&table, QAbstractItemModelTester::FailureReportingMode::Fatal);
     NavigationController &navigation = ui.navigation();
     ViewController *search = navigation.topViewController();
     EXPECT_EQ(table.selectedRow(), 1);

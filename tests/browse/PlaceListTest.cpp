@@ -1,5 +1,7 @@
+#include "app/Scenes.h"
 #include "browse/LugaresTableViewController.h"
 #include "fixtures/TestHome.h"
+#include "presentation/NavigationController.h"
 
 #include <QAbstractItemModelTester>
 #include <QTest>
@@ -84,4 +86,20 @@ TEST(PlaceList, RowsSwipesAndDeletion)
     EXPECT_EQ(list.sectionIndexTitles(), (QStringList{QStringLiteral("E"), QStringLiteral("L")}));
     EXPECT_EQ(list.rows()->rowCount(), 2);
     EXPECT_FALSE(list.tappedButton(0, 7)) << "an index past the end";
+
+    // While editing, rows can't be selected: nothing is pushed. Afterwards the card opens.
+    registerApplicationScenes();
+    NavigationController navigation;
+    LugaresTableViewController root(*restaurants);
+    navigation.setViewControllers({&root}, false);
+    list.setParent(&root);
+    list.setEditing(true);
+    list.didSelectRow(0);
+    EXPECT_EQ(navigation.viewControllers().size(), 1);
+    list.setEditing(false);
+    list.didSelectRow(0);
+    EXPECT_EQ(navigation.viewControllers().size(), 2);
+    EXPECT_EQ(navigation.topViewController()->title(), QStringLiteral("El Aljibe"));
+    navigation.setViewControllers({}, false);
+    list.setParent(nullptr);
 }
