@@ -34,7 +34,14 @@ const char *const openings[] = {"Paladar", "Restaurante", "Café", "Bar", "La Ca
 const char *const namesakes[] = {"Ñico",       "Doña Rosa", "Los Abuelos", "La Ceiba",  "El Malecón", "San Rafael",
                                  "Las Palmas", "El Trópico", "La Marina",   "Don Pepe",  "Mercedes",  "El Faro",
                                  "Los Frailes", "La Bodega", "El Colonial", "Las Brisas", "Santa Ana", "El Guajiro",
-                                 "La Giraldilla", "Vista Alegre", "El Cañaveral", "La Fortaleza", "Bellamar", "El Jardín"};
+                                 "La Giraldilla", "Vista Alegre", "El Cañaveral", "La Fortaleza", "Bellamar", "El Jardín",
+                                 "Tía Carmela", "La Casona de Tita", "Los Girasoles", "La Fuentecita", "El Bohío de Pancho",
+                                 "Los Portales", "Las Tejas Rojas", "La Moneda Cubana", "El Ranchón de Tito", "La Roca Azul",
+                                 "La Flor del Café", "Camino al Sol", "La Campana", "El Patio Colonial", "Los Mangos",
+                                 "La Vitrola Azul", "El Buganvil", "La Esquinita", "La Esperanza", "El Cimarrón",
+                                 "Los Tres Reyes", "La Guitarra", "El Almendro", "La Palmita", "El Framboyán", "Casa Tomasa",
+                                 "La Brisa Marina", "El Cafetal", "La Yagruma", "El Mirador del Sur", "La Tinaja",
+                                 "Los Abanicos", "El Quitrín", "La Mulata", "El Zunzún", "La Lisa Dorada", "Doña Juana"};
 const char *const streets[] = {"Obispo", "Calle 23", "San Rafael", "Neptuno", "Línea", "Calle 17", "Martí", "Maceo",
                                "Independencia", "Gómez", "Agramonte", "Céspedes", "Calle Real", "Avenida 5ta", "Prado"};
 
@@ -149,7 +156,14 @@ CatalogueData makeDemo(const DemoOptions &options)
         if (usedNames.contains(name))
             name += QStringLiteral(" %1").arg(id);
         usedNames.insert(name);
+        // A Cuban address: the street, the number, and the two streets it lies between.
         const QString street = s(pick(random, streets));
+        QString between = street;
+        QString andStreet = street;
+        while (between == street)
+            between = s(pick(random, streets));
+        while (andStreet == street || andStreet == between)
+            andStreet = s(pick(random, streets));
         const int cuisine = 1 + int(random() % std::size(cuisines));
         const int opensAt = 8 + int(random() % 5);
         const int closesAt = 21 + int(random() % 3);
@@ -161,7 +175,7 @@ CatalogueData makeDemo(const DemoOptions &options)
             {QStringLiteral("address"), QStringLiteral("%1 No. %2 e/ %3 y %4")
                                             .arg(street)
                                             .arg(1 + random() % 600)
-                                            .arg(s(pick(random, streets)), s(pick(random, streets)))},
+                                            .arg(between, andStreet)},
             {QStringLiteral("phone"), chance(random, 85) ? QStringLiteral("7%1").arg(8000000 + random() % 999999)
                                                          : QString()},
             {QStringLiteral("email"), chance(random, 40) ? QStringLiteral("reservas%1@demo.velmora.app").arg(id) : QString()},
