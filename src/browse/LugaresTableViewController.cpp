@@ -59,10 +59,11 @@ public:
         endResetModel();
     }
 
-    // The sections have already lost the row; the index is rebuilt from them.
-    void removeRow(int row)
+    // Removes a row, `change` taking it out of the sections between the model's two signals.
+    void removeRow(int row, const std::function<void()> &change)
     {
         beginRemoveRows({}, row, row);
+        change();
         rebuildOffsets();
         endRemoveRows();
     }
@@ -301,11 +302,13 @@ void LugaresTableViewController::deleteRow(int row)
     const int section = m_rows->sectionAt(row);
     if (id < 0)
         return;
-    m_sections[section].ids.removeOne(id);
-    const bool sectionGone = m_sections.at(section).ids.isEmpty();
-    if (sectionGone)
-        m_sections.removeAt(section);
-    m_rows->removeRow(row);
+    bool sectionGone = false;
+    m_rows->removeRow(row, [&] {
+        m_sections[section].ids.removeOne(id);
+        sectionGone = m_sections.at(section).ids.isEmpty();
+        if (sectionGone) // the letter leaves the index in the same update
+            m_sections.removeAt(section);
+    });
     if (sectionGone)
         emit sectionsChanged();
 }
