@@ -7,9 +7,8 @@
 class QObject;
 class ViewController;
 
-// The registry of screens by storyboard and identifier, as the design names them
-// ("Buscar", "search-view-controller"). Each subsystem registers its screens once; anyone can
-// then make one without knowing its class.
+// The registry of screens by storyboard and identifier ("Buscar", "search-view-controller").
+// Each subsystem registers its screens once; anyone can then make one without knowing its class.
 namespace Storyboard {
 using Factory = std::function<ViewController *(QObject *parent)>;
 
