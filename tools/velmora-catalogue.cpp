@@ -5,7 +5,7 @@
 #include "toolkit/CatalogueData.h"
 #include "toolkit/CatalogueWriter.h"
 #include "toolkit/DemoGenerator.h"
-#include "toolkit/Inspector.h"
+#include "toolkit/CatalogueQueries.h"
 #include "toolkit/PatchBuilder.h"
 #include "toolkit/Publisher.h"
 #include "toolkit/SourceReader.h"

@@ -26,14 +26,15 @@ void SideDrawer::addMenuControllerView()
     emit stateChanged();
 }
 
-void SideDrawer::showMenuAnimated(bool animated, double duration, double initialVelocity)
+// `initialVelocity` is the spring's start for a platform that animates with springs; the view
+// here eases out over `duration` instead.
+void SideDrawer::showMenuAnimated(bool animated, double duration, double)
 {
     addMenuControllerView();
     m_recognizersAttached = true;
     m_shadowOpacity = 0.5;
     // A tap on the content must reach the drawer, not a control of the screen.
     m_contentInteractive = false;
-    m_initialVelocity = initialVelocity;
     emit stateChanged();
     setOffset(m_menuWidth, animated ? int(std::lround(duration * 1000)) : 0);
 }

@@ -57,8 +57,6 @@ public:
     Q_INVOKABLE void panChanged(qreal position);
     Q_INVOKABLE void panEnded(qreal position, qreal velocity);
 
-    double lastInitialVelocity() const { return m_initialVelocity; }
-
 signals:
     void offsetChanged();
     void stateChanged();
@@ -72,7 +70,6 @@ private:
     qreal m_menuWidth = defaultMenuWidth;
     qreal m_offset = 0;
     int m_duration = 0;
-    double m_initialVelocity = 0;
     bool m_menuViewPresent = false;
     bool m_recognizersAttached = false;
     bool m_contentInteractive = true;

@@ -55,12 +55,6 @@ public:
         return m_order;
     }
 
-    qsizetype size() const
-    {
-        QMutexLocker lock(&m_mutex);
-        return m_values.size();
-    }
-
 private:
     const int m_limit;
     mutable std::mutex m_mutex;

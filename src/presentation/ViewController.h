@@ -44,7 +44,6 @@ public:
 
     // Runs viewDidLoad() the first time; the navigation machinery calls it before showing.
     void loadViewIfNeeded();
-    bool isViewLoaded() const { return m_loaded; }
     virtual void viewWillAppear() {}
     virtual void viewWillDisappear() {}
 

@@ -1,4 +1,4 @@
-#include "Inspector.h"
+#include "CatalogueQueries.h"
 
 #include "CatalogueSchema.h"
 #include "catalogue/CatalogueDates.h"
