@@ -26,7 +26,8 @@ QList<Section> groupIntoSections(const QList<SortedEntry> &entries)
         }
         const QString key = digits.contains(entry.letter) ? QStringLiteral("#") : entry.letter;
         // Canonically equivalent letters (a precomposed and a decomposed Ñ) share a section.
-        if (key.normalized(QString::NormalizationForm_C) != previous.normalized(QString::NormalizationForm_C)) {
+        // Equal text needs no normalising, and that is nearly every row.
+        if (key != previous && key.normalized(QString::NormalizationForm_C) != previous.normalized(QString::NormalizationForm_C)) {
             sections.append(Section{key, {}});
             previous = key;
         }
@@ -59,6 +60,47 @@ public:
         endResetModel();
     }
 
+    // Moves to the list's new sections by replacing only the rows between the unchanged start
+    // and end of the list: typing narrows a list, and resetting the whole model would rebuild
+    // every visible card at every key.
+    void update()
+    {
+        QList<std::pair<int, int>> target;
+        for (int s = 0; s < m_list.m_sections.size(); ++s)
+            for (int r = 0; r < m_list.m_sections.at(s).ids.size(); ++r)
+                target.append({s, r});
+        const auto idOf = [this](const QList<Section> &sections, std::pair<int, int> at) {
+            return sections.at(at.first).ids.at(at.second);
+        };
+        const qsizetype before = m_index.size();
+        const qsizetype after = target.size();
+        qsizetype head = 0;
+        while (head < before && head < after && idOf(m_shown, m_index.at(head)) == idOf(m_list.m_sections, target.at(head)))
+            ++head;
+        qsizetype tail = 0;
+        while (tail < before - head && tail < after - head
+               && idOf(m_shown, m_index.at(before - 1 - tail)) == idOf(m_list.m_sections, target.at(after - 1 - tail)))
+            ++tail;
+        if (before - head - tail > 0) {
+            beginRemoveRows({}, int(head), int(before - tail - 1));
+            m_index.remove(head, before - head - tail);
+            endRemoveRows();
+        }
+        // The kept rows now read the new sections; their letters are announced below.
+        const QList<std::pair<int, int>> keptHead = target.mid(0, head);
+        const QList<std::pair<int, int>> keptTail = target.mid(after - tail);
+        m_index = keptHead + keptTail;
+        m_shown = m_list.m_sections;
+        if (after - head - tail > 0) {
+            beginInsertRows({}, int(head), int(after - tail - 1));
+            m_index = target;
+            endInsertRows();
+        }
+        m_index = target;
+        if (!m_index.isEmpty() && (head > 0 || tail > 0))
+            emit dataChanged(index(0), index(int(m_index.size()) - 1), {SectionRole, LetterRole});
+    }
+
     // Removes a row, `change` taking it out of the sections between the model's two signals.
     void removeRow(int row, const std::function<void()> &change)
     {
@@ -75,7 +117,7 @@ public:
         if (row < 0 || row >= m_index.size())
             return -1;
         const auto [section, offset] = m_index.at(row);
-        return m_list.m_sections.at(section).ids.at(offset);
+        return m_shown.at(section).ids.at(offset);
     }
     int sectionAt(int row) const { return row < 0 || row >= m_index.size() ? -1 : m_index.at(row).first; }
 
@@ -90,7 +132,7 @@ public:
         case SectionRole:
             return sectionAt(index.row());
         case LetterRole:
-            return m_list.m_sections.at(sectionAt(index.row())).name;
+            return m_shown.at(sectionAt(index.row())).name;
         case PictureRole:
             // Pictures are cached once read; a place without one asks the provider for nothing.
             return m_list.m_restaurants.profileImage(id).isEmpty() ? QString()
@@ -129,6 +171,7 @@ public:
 private:
     void rebuildOffsets()
     {
+        m_shown = m_list.m_sections;
         m_index.clear();
         for (int s = 0; s < m_list.m_sections.size(); ++s)
             for (int r = 0; r < m_list.m_sections.at(s).ids.size(); ++r)
@@ -137,7 +180,8 @@ private:
 
     LugaresTableViewController &m_list;
     RichString m_cell;
-    QList<std::pair<int, int>> m_index; // row -> (section, offset)
+    QList<std::pair<int, int>> m_index; // row -> (section, offset) in m_shown
+    QList<Section> m_shown;              // the sections the rows were last told about
 };
 
 LugaresTableViewController::LugaresTableViewController(Restaurants &restaurants, QObject *parent)
@@ -199,7 +243,7 @@ void LugaresTableViewController::setSections(const QList<Section> &sections, boo
 {
     m_sections = sections;
     if (reload) {
-        m_rows->rebuild();
+        m_rows->update();
         emit sectionsChanged();
     }
 }

@@ -3,6 +3,7 @@
 #include <QList>
 
 #include <algorithm>
+#include <bit>
 #include <vector>
 
 int editDistance(const QString &a, const QString &b)
@@ -22,4 +23,50 @@ int editDistance(const QString &a, const QString &b)
         std::swap(above, row);
     }
     return above[right.size()];
+}
+
+namespace {
+bool hasSurrogates(const QString &text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSurrogate(); });
+}
+}
+
+EditDistanceFrom::EditDistanceFrom(const QString &text)
+    : m_text(text)
+    , m_bitParallel(!text.isEmpty() && text.size() <= 64 && !hasSurrogates(text))
+{
+    if (!m_bitParallel)
+        return;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text.at(i).unicode();
+        auto it = std::find_if(m_masks.begin(), m_masks.end(), [c](const auto &mask) { return mask.first == c; });
+        if (it == m_masks.end())
+            m_masks.append({c, 0});
+        it = std::find_if(m_masks.begin(), m_masks.end(), [c](const auto &mask) { return mask.first == c; });
+        it->second |= quint64(1) << i;
+    }
+}
+
+int EditDistanceFrom::to(const QString &name) const
+{
+    if (!m_bitParallel || hasSurrogates(name))
+        return editDistance(m_text, name);
+    // Allison-Dix / Hyyro: the zero bits of v mark the text's characters in a longest common
+    // subsequence with the name read so far.
+    const qsizetype m = m_text.size();
+    const quint64 all = m == 64 ? ~quint64(0) : (quint64(1) << m) - 1;
+    quint64 v = ~quint64(0);
+    for (const QChar c : name) {
+        quint64 match = 0;
+        for (const auto &[character, mask] : m_masks)
+            if (character == c.unicode()) {
+                match = mask;
+                break;
+            }
+        const quint64 u = v & match;
+        v = (v + u) | (v - u);
+    }
+    const int common = std::popcount(~v & all);
+    return int(m + name.size()) - 2 * common;
 }

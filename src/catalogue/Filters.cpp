@@ -3,23 +3,34 @@
 #include <QVariantList>
 
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace {
 
+// Only whole numbers an int holds: a stored dictionary is outside input, and converting an
+// out-of-range number to int is undefined.
 std::optional<int> intOf(const QVariant &value)
 {
+    constexpr qint64 lowest = std::numeric_limits<int>::min();
+    constexpr qint64 highest = std::numeric_limits<int>::max();
     switch (value.typeId()) {
     case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
     case QMetaType::Short:
     case QMetaType::UShort:
         return value.toInt();
+    case QMetaType::UInt:
+    case QMetaType::LongLong: {
+        const qint64 number = value.toLongLong();
+        return number >= lowest && number <= highest ? std::optional<int>(int(number)) : std::nullopt;
+    }
+    case QMetaType::ULongLong: {
+        const quint64 number = value.toULongLong();
+        return number <= quint64(highest) ? std::optional<int>(int(number)) : std::nullopt;
+    }
     case QMetaType::Double: { // what a JSON reader makes of a whole number
         const double number = value.toDouble();
-        if (std::isfinite(number) && number == std::trunc(number))
+        if (std::isfinite(number) && number == std::trunc(number) && number >= double(lowest) && number <= double(highest))
             return int(number);
         return std::nullopt;
     }
@@ -65,8 +76,10 @@ void Filters::load(const QVariantMap &dictionary)
     cuisines = setOf(dictionary.value(QStringLiteral("cuisines")));
     prices = setOf(dictionary.value(QStringLiteral("prices")));
     if (const auto rank = intOf(dictionary.value(QStringLiteral("price_rank")))) {
+        // Price ranks are a handful of ids; a stored rank beyond any catalogue's is capped rather
+        // than turned into millions of ids.
         prices.clear();
-        for (int id = 2; id < *rank; ++id)
+        for (int id = 2; id < std::min(*rank, maxLegacyPriceRank); ++id)
             prices.insert(id);
     }
 }

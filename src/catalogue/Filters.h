@@ -17,8 +17,9 @@ public:
     // The stored form under the settings key "filters": three arrays of ints.
     QVariantMap dictionary() const;
     // Each key holding an array of ints gives its set; anything else gives an empty set. An old
-    // "price_rank" r stands for every price rank from 2 up to r - 1.
+    // "price_rank" r stands for every price rank from 2 up to r - 1 (below maxLegacyPriceRank).
     void load(const QVariantMap &dictionary);
+    static constexpr int maxLegacyPriceRank = 1000;
 
     bool operator==(const Filters &other) const = default;
 };

@@ -2,8 +2,10 @@
 
 #include "app/DefaultKeys.h"
 #include "app/Notifications.h"
+#include "catalogue/CatalogueChecks.h"
 #include "catalogue/CatalogueDates.h"
 #include "catalogue/CatalogueFiles.h"
+#include "catalogue/PlaceListing.h"
 #include "platform/DatabaseQueue.h"
 #include "platform/Localize.h"
 #include "platform/Logging.h"
@@ -13,8 +15,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
+#include <filesystem>
 
 const QString Restaurants::dbkey = QStringLiteral("Kr4{]%Tgpw");
 
@@ -55,6 +59,7 @@ struct Restaurants::OpenedCandidate {
     QString path;
     QDate date;
     std::unique_ptr<Database> connection;
+    FileStamp stamp; // as it was before the file was read
 };
 
 struct Restaurants::Geography {
@@ -63,6 +68,13 @@ struct Restaurants::Geography {
     QList<QPair<int, int>> placesInOrder; // (place id, municipality id)
     QList<int> offerPlaces;
     QList<int> promoPlaces;
+};
+
+struct Restaurants::Staged {
+    std::shared_ptr<DatabaseQueue> queue;
+    Geography geography;
+    QHash<int, QSet<int>> cuisines;
+    std::optional<QDate> version;
 };
 
 Restaurants::Environment Restaurants::standardEnvironment()
@@ -92,7 +104,10 @@ Restaurants::Restaurants(Environment environment)
     loadDatabase();
 }
 
-Restaurants::~Restaurants() = default;
+Restaurants::~Restaurants()
+{
+    m_indexQueue.waitUntilAllOperationsAreFinished();
+}
 
 bool Restaurants::ready() const
 {
@@ -124,7 +139,38 @@ QString Restaurants::language() const
     return m_lang;
 }
 
-std::vector<Restaurants::OpenedCandidate> Restaurants::scanCandidates(bool keepNewestConnection) const
+Restaurants::FileStamp Restaurants::stampOf(const QString &path)
+{
+    // A file being written by SQLite can be unreadable while its journal is there and unchanged
+    // once it is gone, so the journal is part of the stamp.
+    // Times to the nanosecond: a file written statement by statement changes within a millisecond.
+    std::error_code error;
+    const std::filesystem::path file(path.toStdString());
+    const auto size = std::filesystem::file_size(file, error);
+    const auto modified = std::filesystem::last_write_time(file, error);
+    return {error ? -1 : qint64(size), modified, QFileInfo::exists(path + QStringLiteral("-journal"))};
+}
+
+bool Restaurants::isRefused(const QString &path, const FileStamp &stamp) const
+{
+    QMutexLocker lock(&m_mutex);
+    const auto it = m_refused.constFind(path);
+    return it != m_refused.constEnd() && *it == stamp;
+}
+
+void Restaurants::refuse(const QString &path, const FileStamp &stamp, const QString &reason) const
+{
+    // Remembered with the file's stamp from before it was read: a file still being written is
+    // looked at again once it changes, and an unchanged bad file is neither re-read nor logged
+    // every second.
+    {
+        QMutexLocker lock(&m_mutex);
+        m_refused.insert(path, stamp);
+    }
+    qCWarning(lcCatalogue).noquote() << "Not using" << path << "-" << reason << "- the file is kept";
+}
+
+std::vector<Restaurants::OpenedCandidate> Restaurants::scanCandidates(bool keepConnections) const
 {
     std::vector<OpenedCandidate> found;
     if (m_env.documents.isEmpty())
@@ -136,10 +182,13 @@ std::vector<Restaurants::OpenedCandidate> Restaurants::scanCandidates(bool keepN
         if (!CatalogueFiles::isCandidateName(name))
             continue;
         const QString path = documents.filePath(name);
+        const FileStamp stamp = stampOf(path);
+        if (isRefused(path, stamp))
+            continue;
         QString error;
         std::unique_ptr<Database> db = openKeyed(path, &error);
         if (!db) {
-            qCInfo(lcCatalogue) << "Skipping" << name << "- can't open:" << error;
+            refuse(path, stamp, QStringLiteral("can't open: ") + error);
             continue;
         }
         ResultSet rows = db->executeQuery(versionDateQuery);
@@ -148,16 +197,14 @@ std::vector<Restaurants::OpenedCandidate> Restaurants::scanCandidates(bool keepN
             date = CatalogueDates::parseCompact(rows.stringForColumn(0));
         rows.close();
         if (!date) {
-            qCInfo(lcCatalogue) << "Skipping" << name << "- not a catalogue with this key or no version date";
+            refuse(path, stamp, QStringLiteral("not a catalogue with this key, or no version date"));
             continue;
         }
-        found.push_back({path, *date, std::move(db)});
+        found.push_back({path, *date, keepConnections ? std::move(db) : nullptr, stamp});
     }
     std::stable_sort(found.begin(), found.end(), [](const OpenedCandidate &a, const OpenedCandidate &b) {
         return a.date > b.date;
     });
-    for (size_t i = keepNewestConnection ? 1 : 0; i < found.size(); ++i)
-        found[i].connection.reset();
     return found;
 }
 
@@ -169,90 +216,141 @@ QList<Restaurants::Candidate> Restaurants::availableDatabases() const
     return result;
 }
 
+Restaurants::StageOutcome Restaurants::stage(OpenedCandidate &candidate, bool deepCheck, Staged &staged, QString &reason) const
+{
+    std::unique_ptr<Database> probe = std::move(candidate.connection);
+    if (!probe || !probe->isOpen()) {
+        probe = openKeyed(candidate.path, &reason);
+        if (!probe)
+            return StageOutcome::Refused;
+    }
+    bool hasRow = false;
+    {
+        ResultSet rows = probe->executeQuery(probeQuery);
+        if (!rows.isValid()) {
+            reason = QStringLiteral("the key probe failed: ") + probe->lastErrorMessage();
+            return StageOutcome::Refused;
+        }
+        hasRow = rows.next();
+        if (rows.failed()) {
+            reason = QStringLiteral("the key probe failed: ") + rows.errorMessage();
+            return StageOutcome::Refused;
+        }
+    }
+    // A keyed file with an empty price_ranks is not an error: the catalogue in use, if any, stays.
+    if (!hasRow)
+        return StageOutcome::EmptyPrices;
+    if (deepCheck && !(reason = CatalogueChecks::integrityFault(*probe)).isEmpty())
+        return StageOutcome::Refused;
+    if (!readGeography(*probe, staged.geography, reason) || !readCuisinesAndVersion(*probe, staged, reason))
+        return StageOutcome::Refused;
+    if (!(reason = CatalogueChecks::readsFault(*probe)).isEmpty())
+        return StageOutcome::Refused;
+    staged.queue = std::make_shared<DatabaseQueue>(std::move(probe));
+    return StageOutcome::Loaded;
+}
+
+QString Restaurants::catalogueFault(const QString &path) const
+{
+    OpenedCandidate candidate{path, QDate(), nullptr, stampOf(path)};
+    Staged staged;
+    QString reason;
+    switch (stage(candidate, true, staged, reason)) {
+    case StageOutcome::Loaded: return QString();
+    case StageOutcome::EmptyPrices: return QStringLiteral("price_ranks is empty");
+    case StageOutcome::Refused: break;
+    }
+    return reason;
+}
+
+bool Restaurants::isInUse(const OpenedCandidate &candidate) const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_dbq && m_databasePath == candidate.path && m_databaseVersionDate == candidate.date;
+}
+
 void Restaurants::loadDatabase()
 {
     QMutexLocker loadLock(&m_loadMutex);
 
     std::vector<OpenedCandidate> candidates = scanCandidates(true);
     if (candidates.empty()) {
-        qCInfo(lcCatalogue) << "No catalogue in" << m_env.documents;
+        qCDebug(lcCatalogue) << "No catalogue in" << m_env.documents;
         return;
     }
-    OpenedCandidate &newest = candidates.front();
-    {
-        QMutexLocker lock(&m_mutex);
-        m_databasePath = newest.path;
-        m_databaseVersionDate = newest.date;
-    }
-
-    if (applyPendingPatch(newest.path, newest.date))
+    if (applyPendingPatch(candidates.front().path, candidates.front().date))
         return;
 
-    // The probe: the newest candidate's connection is already open read-only and keyed.
-    std::unique_ptr<Database> probe = std::move(newest.connection);
-    if (!probe || !probe->isOpen()) {
-        QString error;
-        probe = openKeyed(newest.path, &error);
-        if (!probe) {
-            qCWarning(lcCatalogue) << "Can't open" << newest.path << error;
-            return;
+    // Newest first; a candidate that can't be used is kept on disk and the next one is tried, so
+    // a damaged or half-copied new file never strands the user. A file that passes its open and
+    // first reads may still be damaged further in: before it replaces another catalogue (and so
+    // before older files go) every page is checked.
+    const bool replacing = candidates.size() > 1 || dbq();
+    std::optional<size_t> used;
+    bool emptyPrices = false;
+    for (size_t i = 0; i < candidates.size() && !used; ++i) {
+        OpenedCandidate &candidate = candidates[i];
+        if (isInUse(candidate)) {
+            used = i;
+            break;
         }
-    }
-    bool hasRow = false;
-    {
-        ResultSet rows = probe->executeQuery(probeQuery);
-        if (!rows.isValid()) {
-            qCWarning(lcCatalogue) << "Key probe failed on" << newest.path << probe->lastErrorMessage();
-            return;
-        }
-        hasRow = rows.next();
-        if (rows.failed()) {
-            qCWarning(lcCatalogue) << "Key probe failed on" << newest.path << rows.errorMessage();
-            return;
-        }
-    }
-    // An empty price_ranks is not an error here: the earlier queue, if any, stays in use.
-    if (hasRow) {
-        auto queue = std::make_shared<DatabaseQueue>(std::move(probe));
-        QMutexLocker lock(&m_mutex);
-        m_dbq = std::move(queue);
-    }
-
-    const std::shared_ptr<DatabaseQueue> queue = dbq();
-    if (queue) {
-        Geography geography;
         QString reason;
-        bool ok = false;
-        queue->inDatabase([&](Database &db) { ok = readGeography(db, geography, reason); });
-        if (!ok) {
-            failLoad(reason);
-            return;
+        Staged staged;
+        switch (stage(candidate, replacing, staged, reason)) {
+        case StageOutcome::Loaded:
+            used = i;
+            commitStaged(candidate, std::move(staged));
+            break;
+        case StageOutcome::EmptyPrices:
+            emptyPrices = true;
+            break;
+        case StageOutcome::Refused:
+            refuse(candidate.path, candidate.stamp, reason);
+            break;
         }
-        commitGeography(geography);
+    }
+
+    if (!used) {
+        // Nothing usable. The catalogue in use, if there is one, goes on serving as it was.
+        QMutexLocker lock(&m_mutex);
+        if (emptyPrices) {
+            m_ready = true; // reads answer from the catalogue that stays, or empty
+        } else if (!m_dbq) {
+            m_databasePath.clear();
+            m_databaseVersionDate.reset();
+        }
+        return;
     }
 
     applyTablesLanguage();
-
-    if (queue && !loadCuisinesAndVersion(*queue))
-        return;
-
     openSearchIndex(false);
-
     {
         QMutexLocker lock(&m_mutex);
         m_ready = true;
     }
 
-    // Older catalogues go only once the newest has proved good, so a damaged new file never
-    // costs the user a working one.
+    // Older catalogues go only once a newer one has proved good; newer files that were refused
+    // stay, as they may still be being copied in.
     if (!m_env.defaults || !m_env.defaults->boolForKey(DefaultKeys::devKeepOldDbs)) {
-        for (size_t i = 1; i < candidates.size(); ++i) {
-            if (candidates[i].path == newest.path)
+        for (size_t i = *used + 1; i < candidates.size(); ++i) {
+            if (candidates[i].path == candidates[*used].path)
                 continue;
             if (QFile::remove(candidates[i].path))
                 qCInfo(lcCatalogue) << "Deleted older catalogue" << candidates[i].path;
         }
     }
+}
+
+void Restaurants::commitStaged(const OpenedCandidate &candidate, Staged staged)
+{
+    commitGeography(staged.geography);
+    QMutexLocker lock(&m_mutex);
+    for (auto it = staged.cuisines.begin(); it != staged.cuisines.end(); ++it)
+        m_rest_cuisines.insert(it.key(), it.value());
+    m_dbq = std::move(staged.queue);
+    m_databasePath = candidate.path;
+    m_databaseVersionDate = staged.version;
+    ++m_generation;
 }
 
 bool Restaurants::readGeography(Database &db, Geography &geography, QString &reason) const
@@ -339,54 +437,29 @@ void Restaurants::commitGeography(const Geography &geography)
     flag(geography.promoPlaces, &Province::has_promos);
 }
 
-bool Restaurants::loadCuisinesAndVersion(DatabaseQueue &queue)
+bool Restaurants::readCuisinesAndVersion(Database &db, Staged &staged, QString &reason) const
 {
-    QHash<int, QSet<int>> cuisinesByPlace;
-    QString failure;
-    std::optional<QDate> version;
-    bool versionQueryFailed = false;
-    queue.inDatabase([&](Database &db) {
-        // Rows come grouped by place: each change of id starts that place's set anew.
-        std::optional<int> previous;
-        const bool read = db.forEachRow(QStringLiteral("SELECT * FROM restaurants_cuisines"), {}, [&](const ResultSet &row) {
-            const int placeId = row.intForColumn(QStringLiteral("restaurant_id"));
-            if (!previous || *previous != placeId)
-                cuisinesByPlace[placeId].clear();
-            cuisinesByPlace[placeId].insert(row.intForColumn(QStringLiteral("cuisine_id")));
-            previous = placeId;
-            return true;
-        });
-        if (!read) {
-            failure = QStringLiteral("reading restaurants_cuisines failed: ") + db.lastErrorMessage();
-            return;
-        }
-        versionQueryFailed = !db.forEachRow(versionDateQuery, {}, [&](const ResultSet &row) {
-            version = CatalogueDates::parseCompact(row.stringForColumn(0));
-            return false; // the first row is the version
-        });
+    // Rows come grouped by place: each change of id starts that place's set anew.
+    std::optional<int> previous;
+    const bool read = db.forEachRow(QStringLiteral("SELECT * FROM restaurants_cuisines"), {}, [&](const ResultSet &row) {
+        const int placeId = row.intForColumn(QStringLiteral("restaurant_id"));
+        if (!previous || *previous != placeId)
+            staged.cuisines[placeId].clear();
+        staged.cuisines[placeId].insert(row.intForColumn(QStringLiteral("cuisine_id")));
+        previous = placeId;
+        return true;
     });
-    if (!failure.isEmpty()) {
-        failLoad(failure);
+    if (!read) {
+        reason = QStringLiteral("reading restaurants_cuisines failed: ") + db.lastErrorMessage();
         return false;
     }
-    QMutexLocker lock(&m_mutex);
-    for (auto it = cuisinesByPlace.begin(); it != cuisinesByPlace.end(); ++it)
-        m_rest_cuisines.insert(it.key(), it.value());
-    if (versionQueryFailed) {
-        qCWarning(lcCatalogue) << "Reading the version date of" << m_databasePath << "failed";
-        return false;
-    }
-    m_databaseVersionDate = version;
-    return true;
-}
-
-void Restaurants::failLoad(const QString &reason)
-{
-    QMutexLocker lock(&m_mutex);
-    qCCritical(lcCatalogue).noquote() << "Damaged catalogue" << m_databasePath << "-" << reason
-                                      << "- it is not used and is kept on disk";
-    m_dbq.reset();
-    m_ready = false;
+    const bool versionRead = db.forEachRow(versionDateQuery, {}, [&](const ResultSet &row) {
+        staged.version = CatalogueDates::parseCompact(row.stringForColumn(0));
+        return false; // the first row is the version
+    });
+    if (!versionRead)
+        reason = QStringLiteral("reading the version date failed: ") + db.lastErrorMessage();
+    return versionRead;
 }
 
 void Restaurants::reload()

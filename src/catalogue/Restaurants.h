@@ -6,6 +6,7 @@
 #include "catalogue/Province.h"
 #include "catalogue/Records.h"
 #include "catalogue/VerificationResult.h"
+#include "platform/OperationQueue.h"
 
 #include <QByteArray>
 #include <QDate>
@@ -17,11 +18,13 @@
 #include <QSet>
 #include <QString>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <vector>
 
 class Database;
+class PlaceListing;
 class DatabaseQueue;
 class UserDefaults;
 
@@ -70,6 +73,9 @@ public:
     void deleteDatabaseFile();
     bool isExpired() const;
     VerificationResult verifyDatabase(const QString &path) const;
+    // Why the load would refuse the catalogue at `path` (every check the load makes, the page
+    // check included); empty when it would use it.
+    QString catalogueFault(const QString &path) const;
     QString databasePathForVersionDate(QDate date) const;
 
     // Geography.
@@ -127,8 +133,11 @@ public:
     // queued; the base store has no patch step and answers false.
     virtual bool applyPendingPatch(const QString &path, QDate date);
     // Opens Caches/fts.db, building it when its date differs from the catalogue's (always, when
-    // `rebuild`). Failures only leave free-text search empty.
+    // `rebuild`). The build runs in the background; until it is done, searchIds answers from a
+    // scan of the places in memory, with the same results. Failures only cost the index.
     virtual void openSearchIndex(bool rebuild);
+    // Returns once no build of the index is under way.
+    void waitForSearchIndex();
     std::shared_ptr<DatabaseQueue> ftsQueue() const;
 
     // The search screen's three steps, safe from any thread: places matching free text (each
@@ -145,14 +154,32 @@ protected:
     const Environment &environment() const { return m_env; }
 
 private:
-    struct OpenedCandidate;
     struct Geography;
 
-    std::vector<OpenedCandidate> scanCandidates(bool keepNewestConnection) const;
+    struct Staged;
+    enum class StageOutcome { Loaded, EmptyPrices, Refused };
+    struct FileStamp {
+        qint64 size = 0;
+        std::filesystem::file_time_type modified;
+        bool journal = false;
+        bool operator==(const FileStamp &) const = default;
+    };
+    static FileStamp stampOf(const QString &path);
+    struct OpenedCandidate;
+
+    std::vector<OpenedCandidate> scanCandidates(bool keepConnections) const;
+    bool isRefused(const QString &path, const FileStamp &stamp) const;
+    void refuse(const QString &path, const FileStamp &stamp, const QString &reason) const;
+    bool isInUse(const OpenedCandidate &candidate) const;
+    // Opens and reads a candidate completely aside from the catalogue in use.
+    StageOutcome stage(OpenedCandidate &candidate, bool deepCheck, Staged &staged, QString &reason) const;
+    void commitStaged(const OpenedCandidate &candidate, Staged staged);
     bool readGeography(Database &db, Geography &geography, QString &reason) const;
+    bool readCuisinesAndVersion(Database &db, Staged &staged, QString &reason) const;
     void commitGeography(const Geography &geography);
-    bool loadCuisinesAndVersion(DatabaseQueue &queue);
-    void failLoad(const QString &reason);
+    bool buildSearchIndex(DatabaseQueue &index, const QString &cataloguePath, QDate version);
+    // The places' sort names, names and addresses of the catalogue in use, read on first need.
+    std::shared_ptr<const PlaceListing> placeListing() const;
     std::optional<int> provinceOfRestaurantLocked(int placeId) const;
     enum class OnFailure { Damage, Quiet };
     QByteArray cachedImage(FifoCache<QByteArray> &cache, int id, const QString &sql, OnFailure onFailure);
@@ -172,6 +199,8 @@ private:
     std::optional<QDate> m_databaseVersionDate;
     bool m_ready = false;
     QString m_lang;
+    quint64 m_generation = 0; // counts the catalogues taken into use
+    mutable QHash<QString, FileStamp> m_refused;
 
     LocalizableTable m_price_ranks{QStringLiteral("price_ranks")};
     LocalizableTable m_cuisines{QStringLiteral("cuisines")};
@@ -182,14 +211,17 @@ private:
 
     // Language-free or first-language caches; each check-and-store is safe across threads.
     std::shared_ptr<DatabaseQueue> m_fts_dbq; // guarded by m_mutex
-    // Language-free names for the sorted listing; grow as lists are shown.
-    std::mutex m_listMutex;
-    QHash<int, QString> m_search_name_cache;
-    QHash<int, QString> m_name_cache;
+    mutable QHash<QString, QSet<int>> m_filteredCache; // filteredIds by statement and cuisines
+    mutable quint64 m_filteredGeneration = 0;
+    mutable std::mutex m_listMutex; // one reader of the listing at a time
+    mutable std::shared_ptr<const PlaceListing> m_listing;
+    mutable quint64 m_listingGeneration = 0;
 
     FifoCache<Brief> m_briefCache;
     FifoCache<QByteArray> m_profileImageCache;
     FifoCache<QByteArray> m_galleryImageCache{11};
     FifoCache<QByteArray> m_adImageCache{10};
     FifoCache<QByteArray> m_promoImageCache{12};
+
+    OperationQueue m_indexQueue{1}; // last: its build reads the fields above
 };

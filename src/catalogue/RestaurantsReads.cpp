@@ -47,11 +47,11 @@ QDateTime dateOrNow(const QString &text)
 
 std::optional<Brief> Restaurants::brief(int id)
 {
-    if (auto hit = m_briefCache.find(id))
-        return hit;
     const auto queue = dbq();
     if (!queue)
         return std::nullopt;
+    if (auto hit = m_briefCache.find(id))
+        return hit;
     std::optional<Brief> result;
     queue->inDatabase([&](Database &db) {
         // Writers meet in the queue: a second look here keeps two missing readers from both storing.
@@ -241,11 +241,12 @@ MoreInfo Restaurants::moreInfo(int id)
 
 QByteArray Restaurants::cachedImage(FifoCache<QByteArray> &cache, int id, const QString &sql, OnFailure onFailure)
 {
-    if (auto hit = cache.find(id))
-        return *hit;
+    // One rule for every read: with no catalogue open, the empty form, cached or not.
     const auto queue = dbq();
     if (!queue)
         return {};
+    if (auto hit = cache.find(id))
+        return *hit;
     QByteArray data;
     queue->inDatabase([&](Database &db) {
         if (auto hit = cache.find(id)) {

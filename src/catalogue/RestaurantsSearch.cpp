@@ -3,7 +3,7 @@
 #include "catalogue/Restaurants.h"
 
 #include "catalogue/CatalogueDates.h"
-#include "catalogue/EditDistance.h"
+#include "catalogue/PlaceListing.h"
 #include "catalogue/SearchTerms.h"
 #include "platform/Database.h"
 #include "platform/DatabaseQueue.h"
@@ -31,16 +31,12 @@ QString joinedIds(const QList<int> &ids)
     return parts.join(QLatin1Char(','));
 }
 
+// Sorted, so that equal sets give equal text.
 QString joinedIds(const QSet<int> &ids)
 {
-    return joinedIds(QList<int>(ids.begin(), ids.end()));
-}
-
-// The first character of a sort name, upper-cased: the letter of its section.
-QString sectionLetter(const QString &searchName)
-{
-    const int length = searchName.size() > 1 && searchName.at(0).isHighSurrogate() ? 2 : 1;
-    return searchName.left(length).toUpper();
+    QList<int> sorted(ids.begin(), ids.end());
+    std::sort(sorted.begin(), sorted.end());
+    return joinedIds(sorted);
 }
 
 }
@@ -51,86 +47,168 @@ std::shared_ptr<DatabaseQueue> Restaurants::ftsQueue() const
     return m_fts_dbq;
 }
 
+namespace {
+// The index is a cache: a file SQLite can't read, or whose dated table can't be read, is deleted
+// and made anew.
+std::optional<QDate> indexDate(Database &db, bool &damaged)
+{
+    std::optional<QDate> date;
+    const bool listed = db.forEachRow(QStringLiteral("SELECT name FROM sqlite_master WHERE name = 'extras'"), {},
+                                      [&](const ResultSet &) { return false; });
+    damaged = !listed;
+    if (!listed || !db.tableExists(QStringLiteral("extras")))
+        return date;
+    damaged = !db.forEachRow(QStringLiteral("SELECT val FROM extras WHERE key = ? LIMIT 1"), {versionDateKey},
+                             [&](const ResultSet &row) {
+                                 date = CatalogueDates::parseCompact(row.stringForColumn(0));
+                                 return false;
+                             });
+    return date;
+}
+
+void removeIndexFiles(const QString &path)
+{
+    QFile::remove(path);
+    QFile::remove(path + QStringLiteral("-journal"));
+}
+}
+
 void Restaurants::openSearchIndex(bool rebuild)
 {
     const auto catalogue = dbq();
     const auto version = databaseVersionDate();
     if (!catalogue || !version || m_env.caches.isEmpty())
         return;
+    // One build at a time: a new request waits for the one under way.
+    m_indexQueue.waitUntilAllOperationsAreFinished();
     const QString path = m_env.caches + QStringLiteral("/fts.db");
     if (rebuild)
-        QFile::remove(path);
-    {
-        Database creator(path);
-        if (!creator.openWithFlags(Database::ReadWrite | Database::Create)) {
-            qCDebug(lcSearch) << "Can't open the search index" << path << creator.lastErrorMessage();
-            return;
-        }
+        removeIndexFiles(path);
+
+    auto index = std::make_shared<DatabaseQueue>(path, Database::ReadWrite | Database::Create);
+    if (!index->isOpen()) {
+        qCDebug(lcSearch) << "Can't open the search index" << path;
+        return;
     }
-    const auto index = std::make_shared<DatabaseQueue>(path, Database::ReadWrite | Database::Create);
-    {
+    bool damaged = false;
+    std::optional<QDate> date;
+    index->inDatabase([&](Database &db) { date = indexDate(db, damaged); });
+    if (damaged) {
+        qCInfo(lcSearch) << "The search index" << path << "is damaged; making it anew";
+        index.reset();
+        removeIndexFiles(path);
+        index = std::make_shared<DatabaseQueue>(path, Database::ReadWrite | Database::Create);
+    }
+    if (date == *version && !damaged) {
         std::lock_guard lock(m_mutex);
         m_fts_dbq = index;
+        return;
     }
 
-    // An index without a date never matches a catalogue.
-    QDate indexDate(1970, 1, 1);
-    index->inDatabase([&](Database &db) {
-        if (!db.tableExists(QStringLiteral("extras")))
-            return;
-        db.forEachRow(QStringLiteral("SELECT val FROM extras WHERE key = ? LIMIT 1"), {versionDateKey}, [&](const ResultSet &row) {
-            indexDate = CatalogueDates::parseCompact(row.stringForColumn(0)).value_or(indexDate);
-            return false;
-        });
+    // Until the new index is ready, free text is matched by a scan of the places in memory.
+    {
+        std::lock_guard lock(m_mutex);
+        m_fts_dbq.reset();
+    }
+    const QString cataloguePath = catalogue->path();
+    quint64 generation;
+    {
+        std::lock_guard lock(m_mutex);
+        generation = m_generation;
+    }
+    m_indexQueue.addOperation([this, index, cataloguePath, version = *version, generation] {
+        if (buildSearchIndex(*index, cataloguePath, version)) {
+            std::lock_guard lock(m_mutex);
+            if (m_generation == generation)
+                m_fts_dbq = index;
+        }
     });
-    if (indexDate == *version)
-        return;
+}
 
-    bool created = false;
-    index->inDatabase([&](Database &db) {
-        db.executeStatements(QStringLiteral("DROP TABLE IF EXISTS extras; DROP TABLE IF EXISTS fts;"
-                                            " CREATE TABLE extras(key TEXT, val TEXT)"));
-        if (!db.executeUpdate(QStringLiteral("INSERT INTO extras VALUES(?, ?)"),
-                              {versionDateKey, CatalogueDates::formatCompact(*version)})) {
+bool Restaurants::buildSearchIndex(DatabaseQueue &index, const QString &cataloguePath, QDate version)
+{
+    // A connection of its own, so the screens' reads never wait for the build; keying it costs no
+    // derivation, as the load already made this file's key.
+    Database source(cataloguePath);
+    if (!source.openWithFlags(Database::ReadOnly) || !source.setKey(dbkey)) {
+        qCDebug(lcSearch).noquote() << "ERROR inserting into fts db: " + source.lastErrorMessage();
+        return false;
+    }
+    // The date goes in with the rows, in one transaction: a build cut short by a crash leaves
+    // the old index or none, never a dated empty one.
+    bool built = false;
+    index.inTransaction([&](Database &db, bool &rollback) {
+        rollback = true;
+        if (!db.executeStatements(QStringLiteral("DROP TABLE IF EXISTS extras; DROP TABLE IF EXISTS fts;"
+                                                 " CREATE TABLE extras(key TEXT, val TEXT)"))
+            || !db.executeUpdate(QStringLiteral("INSERT INTO extras VALUES(?, ?)"),
+                                 {versionDateKey, CatalogueDates::formatCompact(version)})
+            || !db.executeStatements(createIndex)) {
             qCDebug(lcSearch).noquote() << "Error creating tables in fts db: " + db.lastErrorMessage();
             return;
         }
-        created = db.executeStatements(createIndex);
-        if (!created)
-            qCDebug(lcSearch).noquote() << "Error creating tables in fts db: " + db.lastErrorMessage();
+        Statement insert = db.prepare(QStringLiteral("INSERT INTO fts(docid, terms) VALUES(?, ?)"));
+        QString failure;
+        const bool read = source.forEachRow(QStringLiteral("SELECT id,name,address FROM restaurants"), {},
+                                            [&](const ResultSet &row) {
+                                                if (insert.run({row.intForColumn(0),
+                                                                searchTerms(row.stringForColumn(1), row.stringForColumn(2))}))
+                                                    return true;
+                                                failure = db.lastErrorMessage();
+                                                return false;
+                                            });
+        if (!read && failure.isEmpty())
+            failure = source.lastErrorMessage();
+        if (!failure.isEmpty()) {
+            qCDebug(lcSearch).noquote() << "ERROR inserting into fts db: " + failure;
+            return;
+        }
+        rollback = false;
+        built = true;
     });
-    if (!created)
-        return;
+    return built;
+}
 
-    // The catalogue's queue outside, the index's transaction inside: the only place taking both.
-    // A failure stops the filling but the transaction commits, so a partial index stays current
-    // until the next catalogue or an explicit rebuild.
-    catalogue->inDatabase([&](Database &source) {
-        index->inTransaction([&](Database &db, bool &) {
-            Statement insert = db.prepare(QStringLiteral("INSERT INTO fts(docid, terms) VALUES(?, ?)"));
-            QString failure;
-            const bool read = source.forEachRow(QStringLiteral("SELECT id,name,address FROM restaurants"), {},
-                                                [&](const ResultSet &row) {
-                                                    if (insert.run({row.intForColumn(0),
-                                                                    searchTerms(row.stringForColumn(1), row.stringForColumn(2))}))
-                                                        return true;
-                                                    failure = db.lastErrorMessage();
-                                                    return false;
-                                                });
-            if (!read)
-                failure = source.lastErrorMessage();
-            if (!failure.isEmpty())
-                qCDebug(lcSearch).noquote() << "ERROR inserting into fts db: " + failure;
-        });
-    });
+void Restaurants::waitForSearchIndex()
+{
+    m_indexQueue.waitUntilAllOperationsAreFinished();
+}
+
+std::shared_ptr<const PlaceListing> Restaurants::placeListing() const
+{
+    const auto catalogue = dbq();
+    if (!catalogue)
+        return nullptr;
+    std::lock_guard lock(m_listMutex);
+    quint64 generation;
+    {
+        std::lock_guard fieldsLock(m_mutex);
+        generation = m_generation;
+    }
+    if (m_listing && m_listingGeneration == generation)
+        return m_listing;
+    QString error;
+    std::shared_ptr<const PlaceListing> listing;
+    catalogue->inDatabase([&](Database &db) { listing = PlaceListing::read(db, error); });
+    if (!listing) {
+        qCCritical(lcCatalogue) << "Damaged catalogue: reading sort names failed:" << error;
+        return nullptr;
+    }
+    m_listing = listing;
+    m_listingGeneration = generation;
+    return listing;
 }
 
 QSet<int> Restaurants::searchIds(const QString &text) const
 {
     QSet<int> ids;
     const auto index = ftsQueue();
-    if (!index)
+    if (!index) {
+        // No index yet (it is being built): the same answer from the places in memory.
+        if (const auto listing = dbq() ? placeListing() : nullptr)
+            return listing->matching(text);
         return ids;
+    }
     static const QRegularExpression blanks(QStringLiteral("\\s+"));
     QStringList terms = text.trimmed().split(blanks, Qt::SkipEmptyParts);
     for (QString &term : terms)
@@ -171,14 +249,21 @@ QSet<int> Restaurants::filteredIds(const Filters &filters, bool hideClosed) cons
         sql += QStringLiteral(" AND (price_rank_id IN (") + joinedIds(filters.prices) + QStringLiteral("))");
     if (hideClosed)
         sql += QStringLiteral(" AND oof != 1");
+    const QString cacheKey = sql + QLatin1Char('|') + joinedIds(filters.cuisines);
 
+    // Typing asks for the same filters at every key: answered from memory within one catalogue.
     QHash<int, QSet<int>> placeCuisines;
-    if (!filters.cuisines.isEmpty()) {
+    {
         std::lock_guard lock(m_mutex);
-        placeCuisines = m_rest_cuisines;
+        if (m_filteredGeneration == m_generation)
+            if (const auto cached = m_filteredCache.constFind(cacheKey); cached != m_filteredCache.constEnd())
+                return *cached;
+        if (!filters.cuisines.isEmpty())
+            placeCuisines = m_rest_cuisines;
     }
+    bool read = false;
     catalogue->inDatabase([&](Database &db) {
-        const bool read = db.forEachRow(sql, {}, [&](const ResultSet &row) {
+        read = db.forEachRow(sql, {}, [&](const ResultSet &row) {
             const int id = row.intForColumn(0);
             if (filters.cuisines.isEmpty() || placeCuisines.value(id).intersects(filters.cuisines))
                 ids.insert(id);
@@ -189,87 +274,19 @@ QSet<int> Restaurants::filteredIds(const Filters &filters, bool hideClosed) cons
             qCCritical(lcCatalogue) << "Damaged catalogue: filtering places failed:" << db.lastErrorMessage();
         }
     });
+    if (read) {
+        std::lock_guard lock(m_mutex);
+        if (m_filteredGeneration != m_generation || m_filteredCache.size() >= 16) {
+            m_filteredCache.clear();
+            m_filteredGeneration = m_generation;
+        }
+        m_filteredCache.insert(cacheKey, ids);
+    }
     return ids;
 }
 
 QList<SortedEntry> Restaurants::sortedEntries(const QSet<int> &ids, const QString &text)
 {
-    const auto catalogue = dbq();
-    if (!catalogue)
-        return {};
-
-    struct Row {
-        SortedEntry entry;
-        QString searchName;
-        double distance = 0;
-    };
-    std::vector<Row> rows;
-    rows.reserve(ids.size());
-    QList<int> missing;
-    {
-        std::lock_guard lock(m_listMutex);
-        for (int id : ids) {
-            const auto cached = m_search_name_cache.constFind(id);
-            if (cached == m_search_name_cache.constEnd())
-                missing.append(id);
-            else if (!cached->isEmpty())
-                rows.push_back({{id, sectionLetter(*cached)}, *cached});
-        }
-    }
-
-    // Only places never listed before are read; the ids are ours, so they go into the text.
-    // Batches keep each statement well below SQLite's length limit on the largest provinces.
-    constexpr qsizetype batch = 20000;
-    for (qsizetype start = 0; start < missing.size(); start += batch) {
-        const QString sql = QStringLiteral("SELECT id,search_name,name FROM restaurants WHERE (id IN (")
-            + joinedIds(missing.mid(start, batch)) + QStringLiteral("))");
-        catalogue->inDatabase([&](Database &db) {
-            std::lock_guard lock(m_listMutex);
-            const bool read = db.forEachRow(sql, {}, [&](const ResultSet &row) {
-                const int id = row.intForColumn(0);
-                const QString name = row.stringForColumn(2);
-                if (name.isNull())
-                    m_name_cache.remove(id);
-                else
-                    m_name_cache.insert(id, name);
-                // A place without a sort name drops out of every list; remembering that keeps a
-                // second listing free of statements.
-                const QString searchName = row.stringForColumn(1);
-                m_search_name_cache.insert(id, searchName.isNull() ? QStringLiteral("") : searchName);
-                if (!searchName.isEmpty())
-                    rows.push_back({{id, sectionLetter(searchName)}, searchName});
-                return true;
-            });
-            if (!read)
-                qCCritical(lcCatalogue) << "Damaged catalogue: reading sort names failed:" << db.lastErrorMessage();
-        });
-    }
-
-    if (text.isEmpty()) {
-        std::sort(rows.begin(), rows.end(), [](const Row &a, const Row &b) { return a.searchName < b.searchName; });
-    } else {
-        const QString lowered = text.toLower();
-        {
-            std::lock_guard lock(m_listMutex);
-            for (Row &row : rows) {
-                const auto name = m_name_cache.constFind(row.entry.id);
-                if (name == m_name_cache.constEnd())
-                    row.distance = std::numeric_limits<double>::infinity();
-                else
-                    row.distance = name->toLower().contains(lowered) ? 0.0 : double(editDistance(text, *name));
-            }
-        }
-        std::sort(rows.begin(), rows.end(), [](const Row &a, const Row &b) {
-            if (a.entry.letter != b.entry.letter)
-                return a.entry.letter < b.entry.letter;
-            if (a.distance != b.distance)
-                return a.distance < b.distance;
-            return a.searchName < b.searchName;
-        });
-    }
-    QList<SortedEntry> entries;
-    entries.reserve(qsizetype(rows.size()));
-    for (const Row &row : rows)
-        entries.append(row.entry);
-    return entries;
+    const auto listing = placeListing();
+    return listing ? listing->sorted(ids, text) : QList<SortedEntry>();
 }

@@ -2,14 +2,26 @@
 
 #include <QRegularExpression>
 #include <QSet>
-#include <QStringList>
 #include <QTextBoundaryFinder>
+
+QStringList indexedNameWords(const QString &name)
+{
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
+    QStringList words = name.left(maxIndexedNameLength).split(blanks, Qt::SkipEmptyParts);
+    for (QString &word : words) {
+        // Cut at a character boundary, never inside a surrogate pair.
+        qsizetype length = std::min(word.size(), maxIndexedWordLength);
+        if (length < word.size() && word.at(length).isLowSurrogate())
+            --length;
+        word.truncate(length);
+    }
+    return words;
+}
 
 QString searchTerms(const QString &name, const QString &address)
 {
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
     QSet<QString> suffixes;
-    for (const QString &word : name.split(blanks, Qt::SkipEmptyParts)) {
+    for (const QString &word : indexedNameWords(name)) {
         // Suffixes start at each user-perceived character, so "é" written as e and a combining
         // accent is never cut in two.
         QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, word);
@@ -17,6 +29,6 @@ QString searchTerms(const QString &name, const QString &address)
             suffixes.insert(word.mid(start));
     }
     QStringList terms(suffixes.begin(), suffixes.end());
-    terms.append(address);
+    terms.append(address.left(maxIndexedAddressLength));
     return terms.join(QLatin1Char(' '));
 }

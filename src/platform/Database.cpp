@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/DerivedKeys.h"
 #include "platform/Logging.h"
 
 #include <sqlcipher/sqlite3.h>
@@ -80,7 +81,7 @@ void Database::close()
 bool Database::setKey(const QString &key)
 {
     // The key is a constant of the program, never user text, so building the statement is safe.
-    if (!executeStatements(QStringLiteral("PRAGMA KEY='") + key + QStringLiteral("'")))
+    if (!executeStatements(DerivedKeys::keyStatement(m_path, key)))
         return false;
     ++s_keyedConnections;
     return true;

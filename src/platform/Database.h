@@ -55,8 +55,9 @@ public:
     bool isOpen() const { return m_db != nullptr; }
     void close();
 
-    // Issues "PRAGMA KEY='<key>'". SQLCipher derives the page key lazily, on the first read, so
-    // a wrong key only shows in the first query.
+    // Keys the connection with `key`, or with the key already derived from it for this file
+    // (DerivedKeys). SQLCipher checks the key lazily, on the first read, so a wrong key only
+    // shows in the first query.
     bool setKey(const QString &key);
 
     // Runs one or more statements separated by ';' with no parameters.
@@ -82,7 +83,7 @@ public:
     bool hadError() const { return m_lastErrorCode != 0; }
     qint64 lastInsertRowId() const;
 
-    // How many connections were given a key in this process: each costs a key derivation.
+    // How many connections were given a key in this process.
     static int keyedConnectionCount() { return s_keyedConnections.load(); }
     // How many statements were prepared in this process: tells a cache hit from a query.
     static int preparedStatementCount() { return s_preparedStatements.load(); }

@@ -21,6 +21,7 @@ Qt::Alignment qtAlignment(std::optional<TextAlignment> alignment)
 }
 
 constexpr QChar ellipsis(0x2026);
+constexpr int maxParagraphLength = 4000;
 }
 
 RichTextLayout::RichTextLayout() = default;
@@ -89,12 +90,15 @@ void RichTextLayout::buildParagraphs()
                 paragraph.firstFont = format.font();
                 styled = !pieces[i].isEmpty();
             }
-            if (pieces[i].isEmpty())
+            // Layout time grows quickly with unbroken text, and no label shows more than this.
+            const int room = maxParagraphLength - int(paragraph.text.size());
+            if (pieces[i].isEmpty() || room <= 0)
                 continue;
+            const QString piece = pieces[i].left(room);
             const int start = int(paragraph.text.size());
-            paragraph.text += pieces[i];
-            paragraph.formats.append({start, int(pieces[i].size()), format});
-            paragraph.spans.append({start, int(pieces[i].size()), color, offset});
+            paragraph.text += piece;
+            paragraph.formats.append({start, int(piece.size()), format});
+            paragraph.spans.append({start, int(piece.size()), color, offset});
         }
     }
     for (Paragraph &paragraph : m_paragraphs)
@@ -173,7 +177,8 @@ void RichTextLayout::elideLastLine(Paragraph &paragraph, qreal width)
                 return range.format;
         return QTextCharFormat();
     };
-    const int lineEnd = last.textStart() + last.textLength();
+    // An empty paragraph is laid out as one blank that is not part of its text.
+    const int lineEnd = std::min<int>(last.textStart() + last.textLength(), int(paragraph.text.size()));
     const QTextCharFormat tailFormat = formatAt(std::max(lineStart, lineEnd - 1));
     const QFontMetricsF metrics(tailFormat.font());
     const qreal room = width > 0 ? width : last.naturalTextWidth();
@@ -198,7 +203,9 @@ void RichTextLayout::elideLastLine(Paragraph &paragraph, qreal width)
         if (from < to)
             paragraph.elidedSpans.append({from - lineStart, to - from, span.color, span.baselineOffset});
     }
-    const Span tail = paragraph.elidedSpans.isEmpty() ? paragraph.spans.value(0) : paragraph.elidedSpans.last();
+    const Span tail = !paragraph.elidedSpans.isEmpty() ? paragraph.elidedSpans.last()
+        : !paragraph.spans.isEmpty()                   ? paragraph.spans.first()
+                                                       : Span{0, 0, m_fallbackColor, 0};
     paragraph.elidedSpans.append({cut - lineStart, 1, tail.color, tail.baselineOffset});
 
     paragraph.elided = std::make_unique<QTextLayout>(paragraph.text.mid(lineStart, cut - lineStart) + ellipsis, m_fallbackFont);
@@ -240,8 +247,14 @@ void RichTextLayout::drawLines(QPainter *painter, const QTextLayout &layout, con
 void RichTextLayout::draw(QPainter *painter) const
 {
     for (const Paragraph &paragraph : m_paragraphs) {
-        if (!paragraph.layout || paragraph.text.isEmpty())
+        if (!paragraph.layout)
             continue;
+        if (paragraph.text.isEmpty()) {
+            // An empty last line that was cut short still shows its ellipsis.
+            if (paragraph.elided)
+                drawLines(painter, *paragraph.elided, paragraph.elidedSpans, paragraph.elided->lineCount());
+            continue;
+        }
         const int lines = paragraph.layout->lineCount();
         drawLines(painter, *paragraph.layout, paragraph.spans, paragraph.elided ? lines - 1 : lines);
         if (paragraph.elided)

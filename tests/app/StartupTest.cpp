@@ -83,6 +83,8 @@ TEST(Startup, InterfaceFallsBackToEnglishUnlessTheDevicePrefersSpanish)
     AppDelegate delegate;
     delegate.didFinishLaunching();
     const bool deviceSpanish = Localize::defaultLanguage() == QLatin1String("es");
+    // This test runs twice, under an English and a Spanish device locale: both branches run.
+    EXPECT_EQ(deviceSpanish, qEnvironmentVariable("LANGUAGE") == QLatin1String("es"));
     EXPECT_EQ(Localize::currentLanguage(), deviceSpanish ? QStringLiteral("es") : QStringLiteral("en"));
     EXPECT_EQ(Restaurants::shared().language(), QStringLiteral("es"));
 }

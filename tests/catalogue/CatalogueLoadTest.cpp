@@ -99,7 +99,7 @@ TEST(CatalogueLoad, EmptyPriceRanksLeavesReadyOverNoCatalogue)
 }
 
 // Catches: a damaged catalogue aborting the process, being used, or costing the user the older
-// good catalogue beside it.
+// good catalogue beside it, which is used instead.
 TEST(CatalogueLoad, ProvinceWithoutMunicipalitiesFailsTheLoadAndKeepsFiles)
 {
     TestHome home;
@@ -110,10 +110,17 @@ TEST(CatalogueLoad, ProvinceWithoutMunicipalitiesFailsTheLoadAndKeepsFiles)
     const QString newer = home.addCatalogue(damaged, QStringLiteral("velmora-20170301.db"));
 
     Restaurants restaurants(home.environment());
-    EXPECT_FALSE(restaurants.ready());
-    EXPECT_FALSE(restaurants.dbq());
-    EXPECT_TRUE(restaurants.provinces().isEmpty());
+    EXPECT_TRUE(restaurants.ready());
+    EXPECT_EQ(restaurants.databasePath(), older);
+    EXPECT_FALSE(restaurants.province(3));
     EXPECT_TRUE(QFile::exists(older));
+    EXPECT_TRUE(QFile::exists(newer));
+
+    QFile::remove(older);
+    Restaurants alone(home.environment());
+    EXPECT_FALSE(alone.ready());
+    EXPECT_FALSE(alone.dbq());
+    EXPECT_TRUE(alone.provinces().isEmpty());
     EXPECT_TRUE(QFile::exists(newer));
 }
 

@@ -1,5 +1,7 @@
 #include "catalogue/EditDistance.h"
 #include "catalogue/Filters.h"
+#include "catalogue/PlaceListing.h"
+#include "catalogue/SearchTerms.h"
 #include "fixtures/TestHome.h"
 #include "platform/DatabaseQueue.h"
 #include "platform/UserDefaults.h"
@@ -108,6 +110,7 @@ TEST(Search, IndexFollowsTheCatalogueDate)
     home.restaurants->reload();
     EXPECT_TRUE(home.indexMarked()) << "a current index was rebuilt";
     home.restaurants->openSearchIndex(true);
+    home.restaurants->waitForSearchIndex();
     EXPECT_FALSE(home.indexMarked()) << "an explicit rebuild kept the old index";
     EXPECT_EQ(home.search(QStringLiteral("degu")), QList<int>{1});
 
@@ -117,6 +120,7 @@ TEST(Search, IndexFollowsTheCatalogueDate)
     newer.places.append({9, QStringLiteral("La Guarida"), QStringLiteral("la guarida"), 11, 4, 0, QStringLiteral("Concordia 418"), std::nullopt});
     home.home.addCatalogue(newer, QStringLiteral("velmora-20170301.db"));
     home.restaurants->reload();
+    home.restaurants->waitForSearchIndex();
     EXPECT_FALSE(home.indexMarked()) << "a new catalogue kept the old index";
     EXPECT_EQ(home.search(QStringLiteral("uarid")), QList<int>{9});
 }
@@ -208,4 +212,57 @@ TEST(Search, FiltersStoredForm)
     Filters restored;
     restored.load(home.defaults().dictionaryForKey(QStringLiteral("filters")));
     EXPECT_EQ(restored, stored);
+
+    // Numbers no int holds are no ids (converting them would be undefined), and an old rank far
+    // beyond any catalogue's is capped instead of becoming millions of ids.
+    filters.load({{QStringLiteral("municipalities"), QVariantList{1e300, 5}},
+                  {QStringLiteral("cuisines"), QVariantList{qlonglong(1) << 40}},
+                  {QStringLiteral("prices"), QVariantList{-1e12}}});
+    EXPECT_TRUE(filters.isEmpty());
+    filters.load({{QStringLiteral("price_rank"), 1e7}});
+    EXPECT_EQ(filters.prices.size(), Filters::maxLegacyPriceRank - 2);
+    filters.load({{QStringLiteral("price_rank"), 1e30}});
+    EXPECT_TRUE(filters.prices.isEmpty());
+}
+
+// Catches: the suffix expansion of one huge name growing with the square of its length (a
+// 24,000-character name took 10 s and 1.7 GB to index).
+TEST(Search, HugeNamesAreExpandedWithinLimits)
+{
+    const QString huge = QStringLiteral("bodega ") + QString(24000, QLatin1Char('a')) + QLatin1Char(' ') + QString(1000000, QLatin1Char('b'));
+    const QString terms = searchTerms(huge, QString(50000, QLatin1Char('c')));
+    EXPECT_LT(terms.size(), 2 * maxIndexedWordLength * maxIndexedWordLength + 2 * maxIndexedAddressLength);
+    EXPECT_TRUE(terms.split(QLatin1Char(' ')).contains(QStringLiteral("dega")));
+    EXPECT_EQ(indexedNameWords(huge), (QStringList{QStringLiteral("bodega"), QString(maxIndexedWordLength, QLatin1Char('a'))}));
+}
+
+// Catches: the scan that answers while the index is being built finding other places than the
+// index will: the user must not see results change when the index becomes ready.
+TEST(Search, TheScanBeforeTheIndexFindsWhatTheIndexFinds)
+{
+    CatalogueFixture fixture = searchFixture();
+    fixture.places.append({9, QStringLiteral("Casa-Pepe's O'Reilly"), QStringLiteral("casa pepe"), 10, 2, 0,
+                           QStringLiteral("Calle O'Reilly 304, esq. Aguiar"), std::nullopt});
+    fixture.places.append({10, QStringLiteral("CAFÉ  Ñandú\tdel Mar"), QStringLiteral("cafe nandu"), 10, 2, 0,
+                           QStringLiteral("Malecón y 23"), std::nullopt});
+    TestHome home;
+    home.addCatalogue(fixture, QStringLiteral("velmora-20170101.db"));
+    Restaurants restaurants(home.environment());
+    const QStringList queries = {QStringLiteral("bode"), QStringLiteral("degu"), QStringLiteral("medio vie"),
+                                 QStringLiteral("mansion"), QStringLiteral("MANSIÓN"), QStringLiteral("nandu"),
+                                 QStringLiteral("andu"), QStringLiteral("ñan"), QStringLiteral("calle"),
+                                 QStringLiteral("alle"), QStringLiteral("reilly"), QStringLiteral("o'rei"),
+                                 QStringLiteral("pepe"), QStringLiteral("epe"), QStringLiteral("23"),
+                                 QStringLiteral("malecon"), QStringLiteral("aguiar"), QStringLiteral("5"),
+                                 QStringLiteral("c"), QStringLiteral("  obispo  "), QStringLiteral("cafe mar")};
+    restaurants.waitForSearchIndex();
+    ASSERT_TRUE(restaurants.ftsQueue());
+    std::shared_ptr<const PlaceListing> listing;
+    restaurants.dbq()->inDatabase([&](Database &db) {
+        QString error;
+        listing = PlaceListing::read(db, error);
+    });
+    ASSERT_TRUE(listing);
+    for (const QString &query : queries)
+        EXPECT_EQ(listing->matching(query), restaurants.searchIds(query)) << query.toStdString();
 }

@@ -2,8 +2,10 @@
 #include "richtext/ApplicationFonts.h"
 #include "richtext/RichLabel.h"
 #include "richtext/RichString.h"
+#include "richtext/RichTextLayout.h"
 
 #include <QDir>
+#include <QPainter>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
@@ -119,4 +121,40 @@ TEST(RichLabel, DrawsWrapsAndElidesRenderedMarkup)
 
     QDir().mkpath(QStringLiteral(VELMORA_TEST_OUTPUT));
     EXPECT_TRUE(image.save(QStringLiteral(VELMORA_TEST_OUTPUT "/richlabel-samples.png")));
+}
+
+// Catches: a line-limited label whose last allowed line is an empty paragraph with text after it
+// reading past its text (a crash in release builds), and an unbroken word of any length being
+// handed whole to the layout (seconds of layout for 100 KB).
+TEST(RichLabel, LineLimitsAndHugeWordsAreSafe)
+{
+    RichString r(sheets);
+    for (const QString &text : {QStringLiteral("Paladar in the old town.\n\nOpen every day."), QStringLiteral("\n\nTail"),
+                                QStringLiteral("One\n\n\n\n"), QStringLiteral("\n")}) {
+        for (int lines : {1, 2, 3}) {
+            RichTextLayout layout;
+            layout.setText(r.render(QStringLiteral("<body><p><![CDATA[") + text + QStringLiteral("]]></p></body>")));
+            layout.setMaximumLineCount(lines);
+            const QSizeF size = layout.layout(300);
+            EXPECT_GT(size.height(), 0);
+            QImage image(300, 200, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            layout.draw(&painter);
+        }
+    }
+    RichTextLayout cut;
+    cut.setText(r.render(QStringLiteral("<body><p>Paladar in the old town.\n\nOpen every day.</p></body>")));
+    cut.setMaximumLineCount(2);
+    cut.layout(300);
+    EXPECT_TRUE(cut.isTruncated());
+
+    // Past the cap, more of one word changes nothing the layout is given.
+    const auto widthOf = [&](qsizetype length) {
+        RichTextLayout layout;
+        layout.setText(r.render(QStringLiteral("<body><p>") + QString(length, QLatin1Char('x')) + QStringLiteral("</p></body>")));
+        return layout.naturalSize().width();
+    };
+    EXPECT_EQ(widthOf(100000), widthOf(8000));
+    EXPECT_LT(widthOf(100), widthOf(8000));
 }

@@ -34,6 +34,7 @@ public:
             *error = QStringLiteral("%1 is not a readable catalogue").arg(path);
             return false;
         }
+        restaurants->waitForSearchIndex(); // answers come from the index, as on a device later on
         return true;
     }
     std::unique_ptr<Restaurants> restaurants;
@@ -57,8 +58,16 @@ QJsonArray sortedArray(const QSet<int> &ids)
 QJsonObject catalogueInfo(const QString &path, QString *error)
 {
     const Restaurants verifier(Restaurants::Environment{});
+    // The app's own judgement: the update check, then every check its load makes.
+    const QString verification = verifier.verifyDatabase(path).kindName();
+    const QString fault = QFile::exists(path) ? verifier.catalogueFault(path) : QStringLiteral("no such file");
     QJsonObject info{{QStringLiteral("file"), path},
-                     {QStringLiteral("verification"), verifier.verifyDatabase(path).kindName()}};
+                     {QStringLiteral("verification"), fault.isEmpty() ? verification : QStringLiteral("refused")}};
+    if (!fault.isEmpty()) {
+        info.insert(QStringLiteral("fault"), fault);
+        *error = QStringLiteral("the app would not use %1: %2").arg(path, fault);
+        return info;
+    }
     Database db(path);
     if (!QFile::exists(path) || !db.openWithFlags(Database::ReadOnly) || !db.setKey(Restaurants::dbkey)) {
         *error = QStringLiteral("can't open %1").arg(path);

@@ -1,0 +1,185 @@
+#include "catalogue/PlaceListing.h"
+
+#include "catalogue/EditDistance.h"
+#include "catalogue/SearchTerms.h"
+#include "platform/Database.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+// The first character of a sort name, upper-cased: the letter of its section.
+QString sectionLetter(const QString &searchName)
+{
+    const int length = searchName.size() > 1 && searchName.at(0).isHighSurrogate() ? 2 : 1;
+    return searchName.left(length).toUpper();
+}
+
+bool isTokenCharacter(QChar c)
+{
+    return c.isLetterOrNumber();
+}
+
+// The words of folded text, as the tokenizer splits it: runs of letters and digits.
+QStringList tokens(const QString &folded)
+{
+    QStringList words;
+    qsizetype start = -1;
+    for (qsizetype i = 0; i <= folded.size(); ++i) {
+        const bool inWord = i < folded.size() && isTokenCharacter(folded.at(i));
+        if (inWord && start < 0)
+            start = i;
+        else if (!inWord && start >= 0) {
+            words.append(folded.mid(start, i - start));
+            start = -1;
+        }
+    }
+    return words;
+}
+
+bool startsAWord(const QString &folded, const QString &word)
+{
+    for (qsizetype at = folded.indexOf(word); at >= 0; at = folded.indexOf(word, at + 1))
+        if (at == 0 || !isTokenCharacter(folded.at(at - 1)))
+            return true;
+    return false;
+}
+
+}
+
+QString foldForSearch(const QString &text)
+{
+    const bool ascii = std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
+    if (ascii)
+        return text.toLower();
+    QString folded;
+    const QString decomposed = text.normalized(QString::NormalizationForm_D);
+    folded.reserve(decomposed.size());
+    for (const QChar c : decomposed)
+        if (c.category() != QChar::Mark_NonSpacing)
+            folded.append(c);
+    return folded.toCaseFolded();
+}
+
+std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &error)
+{
+    auto listing = std::make_shared<PlaceListing>();
+    std::vector<QString> sortNames;
+    const bool read = db.forEachRow(QStringLiteral("SELECT id,search_name,name,address FROM restaurants"), {},
+                                    [&](const ResultSet &row) {
+                                        Place place;
+                                        place.id = row.intForColumn(0);
+                                        place.name = row.stringForColumn(2);
+                                        place.lowered = place.name.toLower();
+                                        listing->m_positions.insert(place.id, int(listing->m_places.size()));
+                                        listing->m_places.push_back(std::move(place));
+                                        sortNames.push_back(row.stringForColumn(1));
+                                        listing->m_addresses.push_back(row.stringForColumn(3));
+                                        return true;
+                                    });
+    if (!read) {
+        error = db.lastErrorMessage();
+        return nullptr;
+    }
+
+    // Ranks by sort name (ties by id, so the order is the same on every run); a place without
+    // a sort name has none and drops out of every list.
+    std::vector<int> order;
+    for (int i = 0; i < int(sortNames.size()); ++i)
+        if (!sortNames[size_t(i)].isEmpty())
+            order.push_back(i);
+    std::sort(order.begin(), order.end(), [&](int a, int b) {
+        const int c = QString::compare(sortNames[size_t(a)], sortNames[size_t(b)]);
+        return c != 0 ? c < 0 : listing->m_places[size_t(a)].id < listing->m_places[size_t(b)].id;
+    });
+    QStringList letters;
+    for (int i : order)
+        letters.append(sectionLetter(sortNames[size_t(i)]));
+    QStringList distinct = letters;
+    std::sort(distinct.begin(), distinct.end());
+    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+    listing->m_letters = distinct;
+    listing->m_byRank = order;
+    for (int rank = 0; rank < int(order.size()); ++rank) {
+        Place &place = listing->m_places[size_t(order[size_t(rank)])];
+        place.rank = rank;
+        place.letter = int(std::lower_bound(distinct.begin(), distinct.end(), letters.at(rank)) - distinct.begin());
+    }
+    return listing;
+}
+
+QList<SortedEntry> PlaceListing::sorted(const QSet<int> &ids, const QString &text) const
+{
+    // Each entry is one 64-bit key, so the order is a sort of integers: letter (16 bits),
+    // distance (16 bits) and rank (32 bits), most significant first.
+    std::vector<quint64> keys;
+    keys.reserve(size_t(ids.size()));
+    const std::optional<EditDistanceFrom> distanceFrom = text.isEmpty() ? std::nullopt : std::optional(EditDistanceFrom(text));
+    const QString lowered = text.toLower();
+    constexpr quint64 farthest = (quint64(1) << 16) - 1;
+    for (int id : ids) {
+        const auto position = m_positions.constFind(id);
+        if (position == m_positions.constEnd())
+            continue;
+        const Place &place = m_places[size_t(*position)];
+        if (place.rank < 0)
+            continue;
+        if (!distanceFrom) {
+            keys.push_back(quint64(place.rank));
+            continue;
+        }
+        // Names that contain the text lead; no name at all comes last in its section.
+        quint64 distance = farthest;
+        if (!place.name.isNull())
+            distance = place.lowered.contains(lowered) ? 0 : std::min<quint64>(farthest, quint64(distanceFrom->to(place.name)));
+        keys.push_back((quint64(place.letter) << 48) | (distance << 32) | quint64(place.rank));
+    }
+    std::sort(keys.begin(), keys.end());
+    QList<SortedEntry> entries;
+    entries.reserve(qsizetype(keys.size()));
+    for (const quint64 key : keys) {
+        const Place &place = m_places[size_t(m_byRank[size_t(key & 0xffffffffu)])];
+        entries.append({place.id, m_letters.at(place.letter)});
+    }
+    return entries;
+}
+
+void PlaceListing::fold() const
+{
+    std::call_once(m_folded, [this] {
+        m_foldedNames.reserve(m_places.size());
+        m_foldedAddresses.reserve(m_places.size());
+        for (size_t i = 0; i < m_places.size(); ++i) {
+            // The same limits as the index's, so both find the same places.
+            m_foldedNames.push_back(foldForSearch(indexedNameWords(m_places[i].name).join(QLatin1Char(' '))));
+            m_foldedAddresses.push_back(foldForSearch(m_addresses[i].left(maxIndexedAddressLength)));
+        }
+    });
+}
+
+QSet<int> PlaceListing::matching(const QString &text) const
+{
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
+    QStringList words;
+    for (const QString &piece : text.trimmed().split(blanks, Qt::SkipEmptyParts)) {
+        const QStringList pieceWords = tokens(foldForSearch(piece));
+        if (pieceWords.isEmpty())
+            return {}; // punctuation alone is no term the index could look up
+        words += pieceWords;
+    }
+    QSet<int> found;
+    if (words.isEmpty())
+        return found;
+    fold();
+    for (size_t i = 0; i < m_places.size(); ++i) {
+        const bool all = std::all_of(words.begin(), words.end(), [&](const QString &word) {
+            return m_foldedNames[i].contains(word) || startsAWord(m_foldedAddresses[i], word);
+        });
+        if (all)
+            found.insert(m_places[i].id);
+    }
+    return found;
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "catalogue/Records.h"
+
+#include <QHash>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+class Database;
+
+// Case and accents aside, as the search index's tokenizer sees text: decomposed, marks
+// dropped, case folded.
+QString foldForSearch(const QString &text);
+
+// Every place's sort name, name and address, read once per catalogue. Listing a set of places
+// is then a pass in the order of an integer rank instead of a sort of strings, and free text
+// can be matched without the search index while that is being built. Immutable once read, so
+// any thread may use it.
+class PlaceListing
+{
+public:
+    // Reads every place of the catalogue. Null, with `error` set, when the read fails.
+    static std::shared_ptr<const PlaceListing> read(Database &db, QString &error);
+
+    // The places of `ids` that have a sort name, in list order with their section letters:
+    // by sort name when `text` is empty; else by letter, then closeness of the name to `text`
+    // (names containing it first), then sort name.
+    QList<SortedEntry> sorted(const QSet<int> &ids, const QString &text) const;
+    // What the search index would find for `text`: every word a prefix of a word of the
+    // address, or found inside a word of the name.
+    QSet<int> matching(const QString &text) const;
+
+    int size() const { return int(m_places.size()); }
+
+private:
+    struct Place {
+        int id = 0;
+        QString name;    // null when the catalogue has none
+        QString lowered; // the name lower-cased, for the contains test
+        int rank = -1;   // position by sort name; -1 without one (never listed)
+        int letter = 0;  // index into m_letters
+    };
+    void fold() const;
+
+    std::vector<Place> m_places;
+    QHash<int, int> m_positions;  // place id -> index into m_places
+    std::vector<int> m_byRank;    // rank -> index into m_places
+    QStringList m_letters;        // section letters, ascending
+    std::vector<QString> m_addresses;
+
+    mutable std::once_flag m_folded;
+    mutable std::vector<QString> m_foldedNames;
+    mutable std::vector<QString> m_foldedAddresses;
+};
