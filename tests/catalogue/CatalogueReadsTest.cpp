@@ -361,3 +361,36 @@ TEST(CatalogueReads, NoCatalogueAnswersEmptyForms)
     EXPECT_TRUE(restaurants.phones(1).isEmpty());
     EXPECT_TRUE(restaurants.offers(1).isEmpty());
 }
+
+// Catches: promotions of another province (or of places of no province) being shown, promotions
+// lost or repeated by the shuffle, and positions read from the wrong columns or kept for places
+// without both coordinates.
+TEST(CatalogueReads, PromotionsAndLocationsWithData)
+{
+    TestHome home;
+    CatalogueFixture fixture = CatalogueFixture::small();
+    fixture.promotedPlaces = {100, 101, 200, 100, 999};
+    fixture.sql = {QStringLiteral("UPDATE restaurants SET latitud = 23.1357, longitud = -82.3514 WHERE id = 100"),
+                   QStringLiteral("UPDATE restaurants SET latitud = 23.1401, longitud = NULL WHERE id = 101"),
+                   QStringLiteral("UPDATE restaurants SET latitud = 23.1871, longitud = -81.2390 WHERE id = 200")};
+    auto restaurants = home.openCatalogue(fixture);
+
+    QList<std::pair<int, int>> havana;
+    for (const Promo &promo : restaurants->promos(1))
+        havana.append({promo.promo_id, promo.rid});
+    std::sort(havana.begin(), havana.end());
+    EXPECT_EQ(havana, (QList<std::pair<int, int>>{{1, 100}, {2, 101}, {4, 100}}));
+    const QList<Promo> matanzas = restaurants->promos(2);
+    ASSERT_EQ(matanzas.size(), 1);
+    EXPECT_EQ(matanzas.first().rid, 200);
+    EXPECT_TRUE(restaurants->promos(77).isEmpty());
+
+    QList<PlaceLocation> locations = restaurants->allLocations();
+    std::sort(locations.begin(), locations.end(), [](const PlaceLocation &a, const PlaceLocation &b) { return a.id < b.id; });
+    ASSERT_EQ(locations.size(), 2);
+    EXPECT_EQ(locations.at(0).id, 100);
+    EXPECT_DOUBLE_EQ(locations.at(0).latitude, 23.1357);
+    EXPECT_DOUBLE_EQ(locations.at(0).longitude, -82.3514);
+    EXPECT_EQ(locations.at(1).id, 200);
+    EXPECT_DOUBLE_EQ(locations.at(1).longitude, -81.2390);
+}

@@ -148,6 +148,19 @@ TEST(Toolkit, BuildThenReadWithTheAppsCode)
 
     const ToolRun search = runTool({QStringLiteral("query"), source.path("out.db"), QStringLiteral("search"), QStringLiteral("bode")});
     EXPECT_EQ(QJsonDocument::fromJson(search.out).array(), QJsonArray{11});
+
+    // The verdict is the app's load: a file with a table the screens read gone is refused.
+    QFile::copy(source.path("out.db"), source.path("broken.db"));
+    {
+        Database db(source.path("broken.db"));
+        ASSERT_TRUE(db.openWithFlags(Database::ReadWrite) && db.setKey(Restaurants::dbkey));
+        ASSERT_TRUE(db.executeStatements(QStringLiteral("DROP TABLE gallery")));
+    }
+    const ToolRun refused = runTool({QStringLiteral("info"), source.path("broken.db")});
+    EXPECT_EQ(refused.exitCode, 1);
+    const QJsonObject verdict = QJsonDocument::fromJson(refused.out).object();
+    EXPECT_EQ(verdict.value(QStringLiteral("verification")).toString(), QStringLiteral("refused"));
+    EXPECT_TRUE(verdict.value(QStringLiteral("fault")).toString().contains(QStringLiteral("gallery")));
 }
 
 // Catches: a broken source half-written to disk, or refused without naming the record.
