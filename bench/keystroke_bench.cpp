@@ -49,9 +49,7 @@ double percentile(std::vector<double> values, double p)
 Filters capital(Restaurants &restaurants)
 {
     Filters filters;
-    const auto province = restaurants.province(1);
-    for (auto it = province->municipalities.keyBegin(); it != province->municipalities.keyEnd(); ++it)
-        filters.municipalities.insert(*it);
+    filters.municipalities = restaurants.province(1)->municipalityIds();
     return filters;
 }
 
@@ -83,9 +81,11 @@ int main(int argc, char **argv)
     const bool hideClosed = true;
 
     QCryptographicHash hash(QCryptographicHash::Sha1);
+    const QList<int> capitalPlaces = restaurants.province(1)->restaurants;
+    // As the search screen: the province's matches, the filters, the listing, the sections.
     const auto keystroke = [&](const QString &text, bool like) {
         QSet<int> ids = restaurants.filteredIds(filters, hideClosed);
-        ids.intersect(like ? likeScan(restaurants, text) : restaurants.searchIds(text));
+        ids.intersect(like ? likeScan(restaurants, text) : restaurants.searchIds(text, capitalPlaces));
         const QList<Section> sections = groupIntoSections(restaurants.sortedEntries(ids, text));
         return sections;
     };

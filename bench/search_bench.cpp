@@ -44,9 +44,7 @@ std::unique_ptr<Restaurants> openCatalogue()
 Filters capital(Restaurants &restaurants)
 {
     Filters filters;
-    const auto province = restaurants.province(1);
-    for (auto it = province->municipalities.keyBegin(); it != province->municipalities.keyEnd(); ++it)
-        filters.municipalities.insert(*it);
+    filters.municipalities = restaurants.province(1)->municipalityIds();
     return filters;
 }
 

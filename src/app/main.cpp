@@ -12,6 +12,18 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <sys/resource.h>
+
+namespace {
+// The process's own high-water mark of resident memory.
+long peakMemoryMb()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
+}
+}
+
 int main(int argc, char *argv[])
 {
     QElapsedTimer sinceStart;
@@ -44,7 +56,8 @@ int main(int argc, char *argv[])
             const auto report = [&](const char *what) {
                 QTextStream(stdout) << what << " " << delegate.root() << " shown after " << sinceStart.elapsed()
                                     << " ms (at " << QDateTime::currentMSecsSinceEpoch()
-                                    << "); keyed catalogue connections: " << Database::keyedConnectionCount() << "\n";
+                                    << "); keyed catalogue connections: " << Database::keyedConnectionCount()
+                                    << "; peak memory: " << peakMemoryMb() << " MB\n";
             };
             if (!rootReported) {
                 rootReported = true;

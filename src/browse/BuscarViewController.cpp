@@ -166,8 +166,7 @@ void BuscarViewController::applyFilters(const Filters &filters)
     Filters copy = filters;
     if (copy.municipalities.isEmpty())
         if (const auto province = m_restaurants.province(currentProvince()))
-            for (auto it = province->municipalities.keyBegin(); it != province->municipalities.keyEnd(); ++it)
-                copy.municipalities.insert(*it);
+            copy.municipalities = province->municipalityIds();
     const bool hideClosed = !UserDefaults::standard().boolForKey(DefaultKeys::showClosedPlaces);
     QSet<int> ids = m_restaurants.filteredIds(copy, hideClosed);
     if (!m_activeSearch.isEmpty())
@@ -267,8 +266,12 @@ void BuscarViewController::startSearching(const QString &text)
     m_pendingSearch.reset();
     ++m_searchesStarted;
     Restaurants *restaurants = &m_restaurants;
-    m_searchQueue->addOperation([self = QPointer(this), restaurants, text] {
-        const QSet<int> ids = restaurants->ftsQueue() ? restaurants->searchIds(text) : QSet<int>();
+    // Only the province's places are listed, so only they are matched: in memory, with the
+    // index's rules, which is quicker than asking the index for the whole country.
+    const auto province = m_restaurants.province(currentProvince());
+    const QList<int> places = province ? province->restaurants : QList<int>();
+    m_searchQueue->addOperation([self = QPointer(this), restaurants, text, places] {
+        const QSet<int> ids = restaurants->searchIds(text, places);
         dispatchMain([self, ids] {
             if (self)
                 self->searchCompleted(ids);
@@ -313,6 +316,9 @@ void BuscarViewController::provinceSelected(int, bool keepFilters)
     }
     dispatchMain([self = QPointer(this)] {
         NotificationCenter::defaultCenter().post(Notifications::VelmoraReloadRestaurants);
+        // Text matches are the province's: typed text is looked up again in the new one.
+        if (self && !self->m_activeSearch.isEmpty())
+            self->startSearching(self->m_activeSearch);
         if (self && self->navigationController())
             self->navigationController()->dismissViewController(true);
     });

@@ -40,6 +40,10 @@ EditDistanceFrom::EditDistanceFrom(const QString &text)
         return;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t c = text.at(i).unicode();
+        if (c < 256) {
+            m_latin1[c] |= quint64(1) << i;
+            continue;
+        }
         auto it = std::find_if(m_masks.begin(), m_masks.end(), [c](const auto &mask) { return mask.first == c; });
         if (it == m_masks.end())
             m_masks.append({c, 0});
@@ -48,23 +52,29 @@ EditDistanceFrom::EditDistanceFrom(const QString &text)
     }
 }
 
-int EditDistanceFrom::to(const QString &name) const
+quint64 EditDistanceFrom::maskOf(char16_t c) const
 {
-    if (!m_bitParallel || hasSurrogates(name))
-        return editDistance(m_text, name);
+    if (c < 256)
+        return m_latin1[c];
+    for (const auto &[character, mask] : m_masks)
+        if (character == c)
+            return mask;
+    return 0;
+}
+
+int EditDistanceFrom::to(QStringView name) const
+{
+    if (!m_bitParallel)
+        return editDistance(m_text, name.toString());
     // Allison-Dix / Hyyro: the zero bits of v mark the text's characters in a longest common
     // subsequence with the name read so far.
     const qsizetype m = m_text.size();
     const quint64 all = m == 64 ? ~quint64(0) : (quint64(1) << m) - 1;
     quint64 v = ~quint64(0);
     for (const QChar c : name) {
-        quint64 match = 0;
-        for (const auto &[character, mask] : m_masks)
-            if (character == c.unicode()) {
-                match = mask;
-                break;
-            }
-        const quint64 u = v & match;
+        if (c.isSurrogate()) // scalars beyond the first plane: the plain matrix counts them right
+            return editDistance(m_text, name.toString());
+        const quint64 u = v & maskOf(c.unicode());
         v = (v + u) | (v - u);
     }
     const int common = std::popcount(~v & all);

@@ -16,10 +16,13 @@ class EditDistanceFrom
 {
 public:
     explicit EditDistanceFrom(const QString &text);
-    int to(const QString &name) const;
+    int to(QStringView name) const;
 
 private:
+    quint64 maskOf(char16_t c) const;
+
     QString m_text;
     bool m_bitParallel = false;
-    QList<std::pair<char16_t, quint64>> m_masks; // per distinct character of the text, where it stands
+    quint64 m_latin1[256] = {};                  // where each Latin-1 character stands in the text
+    QList<std::pair<char16_t, quint64>> m_masks; // the same for the text's other characters
 };

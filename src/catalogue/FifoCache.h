@@ -1,14 +1,16 @@
 #pragma once
 
+#include <QByteArray>
 #include <QHash>
 #include <QList>
 #include <QMutex>
 #include <mutex>
 
 #include <optional>
+#include <type_traits>
 
 // A map from id to value that forgets in first-in, first-out order once it holds more than
-// `limit` entries (0: no limit). A hit does not move an id. Every call takes the cache's own
+// `limit` entries, or, for bytes, more than `byteLimit` bytes in all (0: no limit). A hit does not move an id. Every call takes the cache's own
 // lock, so a reader on one thread and a writer on another never see it half-changed; a second
 // store of an id already held is ignored, which keeps the order honest when two threads both
 // missed and both read the same row.
@@ -16,8 +18,9 @@ template <typename Value>
 class FifoCache
 {
 public:
-    explicit FifoCache(int limit = 0)
+    explicit FifoCache(int limit = 0, qint64 byteLimit = 0)
         : m_limit(limit)
+        , m_byteLimit(byteLimit)
     {
     }
 
@@ -34,11 +37,15 @@ public:
         if (m_values.contains(id))
             return;
         m_values.insert(id, value);
-        if (m_limit <= 0)
+        if (m_limit <= 0 && m_byteLimit <= 0)
             return;
         m_order.append(id);
-        if (m_order.size() > m_limit)
-            m_values.remove(m_order.takeFirst());
+        m_bytes += bytesOf(value);
+        while ((m_limit > 0 && m_order.size() > m_limit) || (m_byteLimit > 0 && m_bytes > m_byteLimit && m_order.size() > 1)) {
+            const auto oldest = m_values.constFind(m_order.takeFirst());
+            m_bytes -= bytesOf(*oldest);
+            m_values.erase(oldest);
+        }
     }
 
     void clear()
@@ -46,6 +53,7 @@ public:
         QMutexLocker lock(&m_mutex);
         m_values.clear();
         m_order.clear();
+        m_bytes = 0;
     }
 
     // The ids held, oldest first (bounded caches only).
@@ -56,7 +64,17 @@ public:
     }
 
 private:
+    static qint64 bytesOf(const Value &value)
+    {
+        if constexpr (std::is_same_v<Value, QByteArray>)
+            return value.size();
+        else
+            return 0;
+    }
+
     const int m_limit;
+    const qint64 m_byteLimit;
+    qint64 m_bytes = 0;
     mutable std::mutex m_mutex;
     QHash<int, Value> m_values;
     QList<int> m_order;

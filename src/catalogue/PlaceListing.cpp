@@ -73,8 +73,6 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
                                         Place place;
                                         place.id = row.intForColumn(0);
                                         place.name = row.stringForColumn(2);
-                                        place.lowered = place.name.toLower();
-                                        listing->m_positions.insert(place.id, int(listing->m_places.size()));
                                         listing->m_places.push_back(std::move(place));
                                         sortNames.push_back(row.stringForColumn(1));
                                         listing->m_addresses.push_back(row.stringForColumn(3));
@@ -83,6 +81,20 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     if (!read) {
         error = db.lastErrorMessage();
         return nullptr;
+    }
+    // Ids are a catalogue's row ids: nearly always dense enough to look up in a vector.
+    int largest = 0;
+    for (const Place &place : listing->m_places)
+        largest = std::max(largest, place.id);
+    const bool dense = largest < 8 * int(listing->m_places.size()) + 1024
+        && std::all_of(listing->m_places.begin(), listing->m_places.end(), [](const Place &place) { return place.id >= 0; });
+    if (dense)
+        listing->m_denseIds.assign(size_t(largest) + 1, -1);
+    for (int i = 0; i < int(listing->m_places.size()); ++i) {
+        if (dense)
+            listing->m_denseIds[size_t(listing->m_places[size_t(i)].id)] = i;
+        else
+            listing->m_positions.insert(listing->m_places[size_t(i)].id, i);
     }
 
     // Ranks by sort name (ties by id, so the order is the same on every run); a place without
@@ -102,29 +114,45 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     std::sort(distinct.begin(), distinct.end());
     distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
     listing->m_letters = distinct;
-    listing->m_byRank = order;
+    listing->m_byRank.reserve(order.size());
     for (int rank = 0; rank < int(order.size()); ++rank) {
         Place &place = listing->m_places[size_t(order[size_t(rank)])];
         place.rank = rank;
         place.letter = int(std::lower_bound(distinct.begin(), distinct.end(), letters.at(rank)) - distinct.begin());
+        listing->m_byRank.push_back({place.id, place.letter});
     }
     return listing;
 }
 
+int PlaceListing::positionOf(int id) const
+{
+    if (!m_denseIds.empty())
+        return id >= 0 && size_t(id) < m_denseIds.size() ? m_denseIds[size_t(id)] : -1;
+    return m_positions.value(id, -1);
+}
+
 QList<SortedEntry> PlaceListing::sorted(const QSet<int> &ids, const QString &text) const
 {
+    if (!text.isEmpty())
+        fold();
     // Each entry is one 64-bit key, so the order is a sort of integers: letter (16 bits),
     // distance (16 bits) and rank (32 bits), most significant first.
+    // Places are visited in the order they were read, not the set's hash order: the names then
+    // stream through the cache instead of each costing a miss.
+    std::vector<int> positions;
+    positions.reserve(size_t(ids.size()));
+    for (int id : ids)
+        if (const int position = positionOf(id); position >= 0)
+            positions.push_back(position);
+    std::sort(positions.begin(), positions.end());
+
     std::vector<quint64> keys;
-    keys.reserve(size_t(ids.size()));
+    keys.reserve(positions.size());
     const std::optional<EditDistanceFrom> distanceFrom = text.isEmpty() ? std::nullopt : std::optional(EditDistanceFrom(text));
     const QString lowered = text.toLower();
     constexpr quint64 farthest = (quint64(1) << 16) - 1;
-    for (int id : ids) {
-        const auto position = m_positions.constFind(id);
-        if (position == m_positions.constEnd())
-            continue;
-        const Place &place = m_places[size_t(*position)];
+    for (const int position : positions) {
+        const Place &place = m_places[size_t(position)];
         if (place.rank < 0)
             continue;
         if (!distanceFrom) {
@@ -133,16 +161,21 @@ QList<SortedEntry> PlaceListing::sorted(const QSet<int> &ids, const QString &tex
         }
         // Names that contain the text lead; no name at all comes last in its section.
         quint64 distance = farthest;
-        if (!place.name.isNull())
-            distance = place.lowered.contains(lowered) ? 0 : std::min<quint64>(farthest, quint64(distanceFrom->to(place.name)));
+        if (!place.name.isNull()) {
+            const qsizetype from = m_nameOffsets[size_t(position)];
+            const qsizetype length = m_nameOffsets[size_t(position) + 1] - from;
+            distance = QStringView(m_loweredNames).mid(from, length).contains(lowered)
+                ? 0
+                : std::min<quint64>(farthest, quint64(distanceFrom->to(QStringView(m_names).mid(from, length))));
+        }
         keys.push_back((quint64(place.letter) << 48) | (distance << 32) | quint64(place.rank));
     }
     std::sort(keys.begin(), keys.end());
     QList<SortedEntry> entries;
     entries.reserve(qsizetype(keys.size()));
     for (const quint64 key : keys) {
-        const Place &place = m_places[size_t(m_byRank[size_t(key & 0xffffffffu)])];
-        entries.append({place.id, m_letters.at(place.letter)});
+        const auto &[id, letter] = m_byRank[size_t(key & 0xffffffffu)];
+        entries.append({id, m_letters.at(letter)});
     }
     return entries;
 }
@@ -152,15 +185,30 @@ void PlaceListing::fold() const
     std::call_once(m_folded, [this] {
         m_foldedNames.reserve(m_places.size());
         m_foldedAddresses.reserve(m_places.size());
+        m_nameOffsets.reserve(m_places.size() + 1);
         for (size_t i = 0; i < m_places.size(); ++i) {
+            m_nameOffsets.push_back(m_names.size());
+            m_names += m_places[i].name;
+            // Lower case may change a name's length (rarely); both copies keep the same offsets.
+            QString lowered = m_places[i].name.toLower();
+            lowered.resize(m_places[i].name.size(), QLatin1Char(' '));
+            m_loweredNames += lowered;
             // The same limits as the index's, so both find the same places.
             m_foldedNames.push_back(foldForSearch(indexedNameWords(m_places[i].name).join(QLatin1Char(' '))));
             m_foldedAddresses.push_back(foldForSearch(m_addresses[i].left(maxIndexedAddressLength)));
         }
+        m_nameOffsets.push_back(m_names.size());
     });
 }
 
-QSet<int> PlaceListing::matching(const QString &text) const
+bool PlaceListing::matches(size_t position, const QStringList &words) const
+{
+    return std::all_of(words.begin(), words.end(), [&](const QString &word) {
+        return m_foldedNames[position].contains(word) || startsAWord(m_foldedAddresses[position], word);
+    });
+}
+
+QSet<int> PlaceListing::matching(const QString &text, const QList<int> *within) const
 {
     static const QRegularExpression blanks(QStringLiteral("\\s+"));
     QStringList words;
@@ -174,12 +222,14 @@ QSet<int> PlaceListing::matching(const QString &text) const
     if (words.isEmpty())
         return found;
     fold();
-    for (size_t i = 0; i < m_places.size(); ++i) {
-        const bool all = std::all_of(words.begin(), words.end(), [&](const QString &word) {
-            return m_foldedNames[i].contains(word) || startsAWord(m_foldedAddresses[i], word);
-        });
-        if (all)
-            found.insert(m_places[i].id);
+    if (within) {
+        for (int id : *within)
+            if (const int position = positionOf(id); position >= 0 && matches(size_t(position), words))
+                found.insert(id);
+        return found;
     }
+    for (size_t i = 0; i < m_places.size(); ++i)
+        if (matches(i, words))
+            found.insert(m_places[i].id);
     return found;
 }

@@ -31,8 +31,12 @@ public:
     // (names containing it first), then sort name.
     QList<SortedEntry> sorted(const QSet<int> &ids, const QString &text) const;
     // What the search index would find for `text`: every word a prefix of a word of the
-    // address, or found inside a word of the name.
-    QSet<int> matching(const QString &text) const;
+    // address, or found inside a word of the name. Only among `within` when given: a keystroke
+    // needs the matches of one province, not of the whole country.
+    QSet<int> matching(const QString &text, const QList<int> *within = nullptr) const;
+    // Prepares what text listing and matching read (lower-cased and folded names and addresses);
+    // done on first need otherwise.
+    void fold() const;
 
     int size() const { return int(m_places.size()); }
 
@@ -40,19 +44,25 @@ private:
     struct Place {
         int id = 0;
         QString name;    // null when the catalogue has none
-        QString lowered; // the name lower-cased, for the contains test
         int rank = -1;   // position by sort name; -1 without one (never listed)
         int letter = 0;  // index into m_letters
     };
-    void fold() const;
+    int positionOf(int id) const;
+    bool matches(size_t position, const QStringList &words) const;
 
     std::vector<Place> m_places;
-    QHash<int, int> m_positions;  // place id -> index into m_places
-    std::vector<int> m_byRank;    // rank -> index into m_places
+    std::vector<int> m_denseIds;  // place id -> index into m_places, -1 for none (ids are small)
+    QHash<int, int> m_positions;  // the same when ids are too sparse for a vector
+    std::vector<std::pair<int, int>> m_byRank; // rank -> (place id, letter)
     QStringList m_letters;        // section letters, ascending
     std::vector<QString> m_addresses;
 
     mutable std::once_flag m_folded;
+    // Names as they are and lower-cased, end to end in read order: a listing walks them in that
+    // order, so they stream through the cache. Entry i spans [offsets[i], offsets[i + 1]).
+    mutable QString m_names;
+    mutable QString m_loweredNames;
+    mutable std::vector<qsizetype> m_nameOffsets;
     mutable std::vector<QString> m_foldedNames;
     mutable std::vector<QString> m_foldedAddresses;
 };

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QString>
 
 // A province with its municipalities and places, as loaded from the catalogue. Shared by
@@ -12,4 +13,7 @@ struct Province {
     QList<int> restaurants;          // place ids in the catalogue's table order
     bool has_offers = false;
     bool has_promos = false;
+
+    // Every municipality's id: what the search screen filters by when the user chose none.
+    QSet<int> municipalityIds() const { return QSet<int>(municipalities.keyBegin(), municipalities.keyEnd()); }
 };

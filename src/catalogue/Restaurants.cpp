@@ -106,7 +106,7 @@ Restaurants::Restaurants(Environment environment)
 
 Restaurants::~Restaurants()
 {
-    m_indexQueue.waitUntilAllOperationsAreFinished();
+    waitForSearchIndex();
 }
 
 bool Restaurants::ready() const
@@ -323,6 +323,7 @@ void Restaurants::loadDatabase()
     }
 
     applyTablesLanguage();
+    readListingAhead();
     openSearchIndex(false);
     {
         QMutexLocker lock(&m_mutex);

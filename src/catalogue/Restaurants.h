@@ -6,7 +6,6 @@
 #include "catalogue/Province.h"
 #include "catalogue/Records.h"
 #include "catalogue/VerificationResult.h"
-#include "platform/OperationQueue.h"
 
 #include <QByteArray>
 #include <QDate>
@@ -21,6 +20,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <thread>
 #include <vector>
 
 class Database;
@@ -136,7 +136,7 @@ public:
     // `rebuild`). The build runs in the background; until it is done, searchIds answers from a
     // scan of the places in memory, with the same results. Failures only cost the index.
     virtual void openSearchIndex(bool rebuild);
-    // Returns once no build of the index is under way.
+    // Returns once no build of the index, nor reading of the listing, is under way.
     void waitForSearchIndex();
     std::shared_ptr<DatabaseQueue> ftsQueue() const;
 
@@ -144,6 +144,9 @@ public:
     // word a prefix of a word of the address or of any part of a word of the name), places
     // passing the filters, and any set of places in list order with their section letters.
     QSet<int> searchIds(const QString &text) const;
+    // The same matches among `within` alone, found in memory: what a keystroke in one province
+    // needs, without asking the index for every place of the country.
+    QSet<int> searchIds(const QString &text, const QList<int> &within) const;
     QSet<int> filteredIds(const Filters &filters, bool hideClosed) const;
     QList<SortedEntry> sortedEntries(const QSet<int> &ids, const QString &text);
 
@@ -180,6 +183,7 @@ private:
     bool buildSearchIndex(DatabaseQueue &index, const QString &cataloguePath, QDate version);
     // The places' sort names, names and addresses of the catalogue in use, read on first need.
     std::shared_ptr<const PlaceListing> placeListing() const;
+    void readListingAhead();
     std::optional<int> provinceOfRestaurantLocked(int placeId) const;
     enum class OnFailure { Damage, Quiet };
     QByteArray cachedImage(FifoCache<QByteArray> &cache, int id, const QString &sql, OnFailure onFailure);
@@ -218,10 +222,13 @@ private:
     mutable quint64 m_listingGeneration = 0;
 
     FifoCache<Brief> m_briefCache;
-    FifoCache<QByteArray> m_profileImageCache;
+    // Bounded by bytes: scrolling a province of 35,000 places would otherwise keep every picture.
+    FifoCache<QByteArray> m_profileImageCache{0, 24 * 1024 * 1024};
     FifoCache<QByteArray> m_galleryImageCache{11};
     FifoCache<QByteArray> m_adImageCache{10};
     FifoCache<QByteArray> m_promoImageCache{12};
 
-    OperationQueue m_indexQueue{1}; // last: its build reads the fields above
+    std::mutex m_indexThreadMutex;
+    std::thread m_indexBuild; // the index being built; reads the fields above
+    std::thread m_listingRead; // the listing read and folded ahead of the first list
 };

@@ -80,7 +80,11 @@ void Restaurants::openSearchIndex(bool rebuild)
     if (!catalogue || !version || m_env.caches.isEmpty())
         return;
     // One build at a time: a new request waits for the one under way.
-    m_indexQueue.waitUntilAllOperationsAreFinished();
+    {
+        std::lock_guard threadLock(m_indexThreadMutex);
+        if (m_indexBuild.joinable())
+            m_indexBuild.join();
+    }
     const QString path = m_env.caches + QStringLiteral("/fts.db");
     if (rebuild)
         removeIndexFiles(path);
@@ -116,7 +120,9 @@ void Restaurants::openSearchIndex(bool rebuild)
         std::lock_guard lock(m_mutex);
         generation = m_generation;
     }
-    m_indexQueue.addOperation([this, index, cataloguePath, version = *version, generation] {
+    // A thread of its own rather than a pool's: one build at a time, joined before the next.
+    std::lock_guard threadLock(m_indexThreadMutex);
+    m_indexBuild = std::thread([this, index, cataloguePath, version = *version, generation] {
         if (buildSearchIndex(*index, cataloguePath, version)) {
             std::lock_guard lock(m_mutex);
             if (m_generation == generation)
@@ -171,7 +177,23 @@ bool Restaurants::buildSearchIndex(DatabaseQueue &index, const QString &catalogu
 
 void Restaurants::waitForSearchIndex()
 {
-    m_indexQueue.waitUntilAllOperationsAreFinished();
+    std::lock_guard lock(m_indexThreadMutex);
+    for (std::thread *thread : {&m_indexBuild, &m_listingRead})
+        if (thread->joinable())
+            thread->join();
+}
+
+void Restaurants::readListingAhead()
+{
+    // The first list asks for it at once; reading it here, while the window is being made,
+    // lets that list find it ready or under way (the listing's lock keeps it one read).
+    std::lock_guard lock(m_indexThreadMutex);
+    if (m_listingRead.joinable())
+        m_listingRead.join();
+    m_listingRead = std::thread([this] {
+        if (const auto listing = placeListing())
+            listing->fold();
+    });
 }
 
 std::shared_ptr<const PlaceListing> Restaurants::placeListing() const
@@ -187,9 +209,14 @@ std::shared_ptr<const PlaceListing> Restaurants::placeListing() const
     }
     if (m_listing && m_listingGeneration == generation)
         return m_listing;
+    // A connection of its own (keyed from the derived key), so that screens' reads don't wait.
     QString error;
     std::shared_ptr<const PlaceListing> listing;
-    catalogue->inDatabase([&](Database &db) { listing = PlaceListing::read(db, error); });
+    Database source(catalogue->path());
+    if (source.openWithFlags(Database::ReadOnly) && source.setKey(dbkey))
+        listing = PlaceListing::read(source, error);
+    else
+        error = source.lastErrorMessage();
     if (!listing) {
         qCCritical(lcCatalogue) << "Damaged catalogue: reading sort names failed:" << error;
         return nullptr;
@@ -228,6 +255,12 @@ QSet<int> Restaurants::searchIds(const QString &text) const
         }
     });
     return ids;
+}
+
+QSet<int> Restaurants::searchIds(const QString &text, const QList<int> &within) const
+{
+    const auto listing = dbq() ? placeListing() : nullptr;
+    return listing ? listing->matching(text, &within) : QSet<int>();
 }
 
 QSet<int> Restaurants::filteredIds(const Filters &filters, bool hideClosed) const

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace {
 // A tiny guide of the capital (municipalities 10 and 11) and Matanzas (20).
 CatalogueFixture searchFixture()
@@ -267,4 +269,27 @@ TEST(Search, TheScanBeforeTheIndexFindsWhatTheIndexFinds)
     ASSERT_TRUE(listing);
     for (const QString &query : queries)
         EXPECT_EQ(listing->matching(query), restaurants.searchIds(query)) << query.toStdString();
+}
+
+// Catches: the bit-parallel distance used for listings disagreeing with the plain matrix, for
+// Latin-1 and other characters, repeated letters, texts over 64 characters and scalars beyond
+// the first plane.
+TEST(Search, ListingDistanceAgreesWithTheMatrix)
+{
+    const QStringList alphabet = {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("é"), QStringLiteral("Ñ"),
+                                  QStringLiteral("ж"), QStringLiteral("🍷"), QStringLiteral(" ")};
+    std::mt19937 random(5);
+    const auto word = [&](int longest) {
+        QString text;
+        const int length = 1 + int(random() % unsigned(longest));
+        for (int i = 0; i < length; ++i)
+            text += alphabet.at(int(random() % unsigned(alphabet.size())));
+        return text;
+    };
+    for (int round = 0; round < 2000; ++round) {
+        const QString text = word(round % 50 == 0 ? 80 : 7);
+        const QString name = word(30);
+        EXPECT_EQ(EditDistanceFrom(text).to(name), editDistance(text, name))
+            << text.toStdString() << " / " << name.toStdString();
+    }
 }

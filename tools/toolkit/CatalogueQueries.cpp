@@ -116,8 +116,7 @@ bool queryList(const QString &path, const ListQuery &query, QJsonArray &entries,
     Filters filters;
     filters.municipalities = QSet<int>(query.municipalities.begin(), query.municipalities.end());
     if (filters.municipalities.isEmpty())
-        for (auto it = province->municipalities.keyBegin(); it != province->municipalities.keyEnd(); ++it)
-            filters.municipalities.insert(*it);
+        filters.municipalities = province->municipalityIds();
     filters.cuisines = QSet<int>(query.cuisines.begin(), query.cuisines.end());
     filters.prices = QSet<int>(query.prices.begin(), query.prices.end());
     QSet<int> ids = restaurants.filteredIds(filters, !query.showClosed);
