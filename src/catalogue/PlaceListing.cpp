@@ -40,7 +40,7 @@ QStringList tokens(const QString &folded)
     return words;
 }
 
-bool startsAWord(const QString &folded, const QString &word)
+bool startsAWord(QStringView folded, const QString &word)
 {
     for (qsizetype at = folded.indexOf(word); at >= 0; at = folded.indexOf(word, at + 1))
         if (at == 0 || !isTokenCharacter(folded.at(at - 1)))
@@ -183,8 +183,8 @@ QList<SortedEntry> PlaceListing::sorted(const QSet<int> &ids, const QString &tex
 void PlaceListing::fold() const
 {
     std::call_once(m_folded, [this] {
-        m_foldedNames.reserve(m_places.size());
-        m_foldedAddresses.reserve(m_places.size());
+        m_foldedNameOffsets.reserve(m_places.size() + 1);
+        m_foldedAddressOffsets.reserve(m_places.size() + 1);
         m_nameOffsets.reserve(m_places.size() + 1);
         for (size_t i = 0; i < m_places.size(); ++i) {
             m_nameOffsets.push_back(m_names.size());
@@ -194,17 +194,25 @@ void PlaceListing::fold() const
             lowered.resize(m_places[i].name.size(), QLatin1Char(' '));
             m_loweredNames += lowered;
             // The same limits as the index's, so both find the same places.
-            m_foldedNames.push_back(foldForSearch(indexedNameWords(m_places[i].name).join(QLatin1Char(' '))));
-            m_foldedAddresses.push_back(foldForSearch(m_addresses[i].left(maxIndexedAddressLength)));
+            m_foldedNameOffsets.push_back(m_foldedNames.size());
+            m_foldedNames += foldForSearch(indexedNameWords(m_places[i].name).join(QLatin1Char(' ')));
+            m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
+            m_foldedAddresses += foldForSearch(m_addresses[i].left(maxIndexedAddressLength));
         }
         m_nameOffsets.push_back(m_names.size());
+        m_foldedNameOffsets.push_back(m_foldedNames.size());
+        m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
     });
 }
 
 bool PlaceListing::matches(size_t position, const QStringList &words) const
 {
     return std::all_of(words.begin(), words.end(), [&](const QString &word) {
-        return m_foldedNames[position].contains(word) || startsAWord(m_foldedAddresses[position], word);
+        const auto span = [position](const QString &text, const std::vector<qsizetype> &offsets) {
+            return QStringView(text).mid(offsets[position], offsets[position + 1] - offsets[position]);
+        };
+        return span(m_foldedNames, m_foldedNameOffsets).contains(word)
+            || startsAWord(span(m_foldedAddresses, m_foldedAddressOffsets), word);
     });
 }
 
@@ -223,9 +231,17 @@ QSet<int> PlaceListing::matching(const QString &text, const QList<int> *within) 
         return found;
     fold();
     if (within) {
+        // In read order, so the folded text streams through the cache.
+        std::vector<int> positions;
+        positions.reserve(size_t(within->size()));
         for (int id : *within)
-            if (const int position = positionOf(id); position >= 0 && matches(size_t(position), words))
-                found.insert(id);
+            if (const int position = positionOf(id); position >= 0)
+                positions.push_back(position);
+        std::sort(positions.begin(), positions.end());
+        found.reserve(qsizetype(positions.size()));
+        for (const int position : positions)
+            if (matches(size_t(position), words))
+                found.insert(m_places[size_t(position)].id);
         return found;
     }
     for (size_t i = 0; i < m_places.size(); ++i)

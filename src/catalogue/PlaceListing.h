@@ -63,6 +63,9 @@ private:
     mutable QString m_names;
     mutable QString m_loweredNames;
     mutable std::vector<qsizetype> m_nameOffsets;
-    mutable std::vector<QString> m_foldedNames;
-    mutable std::vector<QString> m_foldedAddresses;
+    // Folded names and addresses for matching, kept end to end the same way.
+    mutable QString m_foldedNames;
+    mutable QString m_foldedAddresses;
+    mutable std::vector<qsizetype> m_foldedNameOffsets;
+    mutable std::vector<qsizetype> m_foldedAddressOffsets;
 };
