@@ -53,10 +53,13 @@ namespace {
 std::optional<QDate> indexDate(Database &db, bool &damaged)
 {
     std::optional<QDate> date;
-    const bool listed = db.forEachRow(QStringLiteral("SELECT name FROM sqlite_master WHERE name = 'extras'"), {},
-                                      [&](const ResultSet &) { return false; });
-    damaged = !listed;
-    if (!listed || !db.tableExists(QStringLiteral("extras")))
+    bool dated = false;
+    damaged = !db.forEachRow(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'extras'"), {},
+                             [&](const ResultSet &) {
+                                 dated = true;
+                                 return false;
+                             });
+    if (damaged || !dated)
         return date;
     damaged = !db.forEachRow(QStringLiteral("SELECT val FROM extras WHERE key = ? LIMIT 1"), {versionDateKey},
                              [&](const ResultSet &row) {
@@ -110,16 +113,13 @@ void Restaurants::openSearchIndex(bool rebuild)
     }
 
     // Until the new index is ready, free text is matched by a scan of the places in memory.
-    {
-        std::lock_guard lock(m_mutex);
-        m_fts_dbq.reset();
-    }
-    const QString cataloguePath = catalogue->path();
     quint64 generation;
     {
         std::lock_guard lock(m_mutex);
+        m_fts_dbq.reset();
         generation = m_generation;
     }
+    const QString cataloguePath = catalogue->path();
     // A thread of its own rather than a pool's: one build at a time, joined before the next.
     std::lock_guard threadLock(m_indexThreadMutex);
     m_indexBuild = std::thread([this, index, cataloguePath, version = *version, generation] {
