@@ -10,6 +10,7 @@
 #include "platform/Paths.h"
 #include "platform/UserDefaults.h"
 #include "presentation/NavigationController.h"
+#include "presentation/QuickItems.h"
 #include "toolkit/CatalogueWriter.h"
 #include "toolkit/DemoGenerator.h"
 
@@ -116,7 +117,7 @@ int main(int argc, char **argv)
     // Back to the whole capital, then through it a screenful at a time, every card drawn.
     search->cancelSearch();
     QTest::qWait(1500);
-    auto *list = window.window()->contentItem()->findChild<QQuickItem *>(QStringLiteral("placeList"));
+    auto *list = findItem(window.window()->contentItem(), QStringLiteral("placeList"));
     if (!list)
         qFatal("no place list");
     const int rows = search->lugaresVC()->rows()->rowCount();

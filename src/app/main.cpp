@@ -1,8 +1,10 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
 #include "app/LaunchOptions.h"
+#include "catalogue/Restaurants.h"
 #include "platform/Database.h"
 #include "platform/Paths.h"
+#include "presentation/QuickItems.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -50,7 +52,7 @@ int main(int argc, char *argv[])
         QTimer::singleShot(10000, &app, &QGuiApplication::quit);
         QObject::connect(window.window(), &QQuickWindow::frameSwapped, &app, [&] {
             static bool rootReported = false;
-            const auto *list = window.window()->contentItem()->findChild<QQuickItem *>(QStringLiteral("placeList"));
+            const auto *list = findItem(window.window()->contentItem(), QStringLiteral("placeList"));
             const bool rowsShown = list && list->property("count").toInt() > 0;
             // The wall-clock moment lets a caller measure from the process's launch, not from main.
             const auto report = [&](const char *what) {
@@ -73,5 +75,8 @@ int main(int argc, char *argv[])
             QTimer::singleShot(0, &app, &QGuiApplication::quit);
         }, Qt::QueuedConnection);
     }
-    return QGuiApplication::exec();
+    const int status = QGuiApplication::exec();
+    // No background read of the catalogue may outlive main: the process's statics go next.
+    Restaurants::shared().waitForSearchIndex();
+    return status;
 }

@@ -4,7 +4,6 @@
 #include "catalogue/SearchTerms.h"
 #include "platform/Database.h"
 
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <numeric>
@@ -218,9 +217,8 @@ bool PlaceListing::matches(size_t position, const QStringList &words) const
 
 QSet<int> PlaceListing::matching(const QString &text, const QList<int> *within) const
 {
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
     QStringList words;
-    for (const QString &piece : text.trimmed().split(blanks, Qt::SkipEmptyParts)) {
+    for (const QString &piece : wordsOf(text)) {
         const QStringList pieceWords = tokens(foldForSearch(piece));
         if (pieceWords.isEmpty())
             return {}; // punctuation alone is no term the index could look up

@@ -10,7 +10,6 @@
 #include "platform/Logging.h"
 
 #include <QFile>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <limits>
@@ -236,8 +235,7 @@ QSet<int> Restaurants::searchIds(const QString &text) const
             return listing->matching(text);
         return ids;
     }
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
-    QStringList terms = text.trimmed().split(blanks, Qt::SkipEmptyParts);
+    QStringList terms = wordsOf(text);
     for (QString &term : terms)
         term += QLatin1Char('*');
     const QString query = terms.join(QLatin1Char(' '));

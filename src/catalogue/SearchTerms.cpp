@@ -1,13 +1,27 @@
 #include "catalogue/SearchTerms.h"
 
-#include <QRegularExpression>
 #include <QSet>
 #include <QTextBoundaryFinder>
 
+QStringList wordsOf(QStringView text)
+{
+    QStringList words;
+    qsizetype start = -1;
+    for (qsizetype i = 0; i <= text.size(); ++i) {
+        const bool blank = i == text.size() || text.at(i).isSpace();
+        if (!blank && start < 0)
+            start = i;
+        else if (blank && start >= 0) {
+            words.append(text.mid(start, i - start).toString());
+            start = -1;
+        }
+    }
+    return words;
+}
+
 QStringList indexedNameWords(const QString &name)
 {
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
-    QStringList words = name.left(maxIndexedNameLength).split(blanks, Qt::SkipEmptyParts);
+    QStringList words = wordsOf(QStringView(name).left(maxIndexedNameLength));
     for (QString &word : words) {
         // Cut at a character boundary, never inside a surrogate pair.
         qsizetype length = std::min(word.size(), maxIndexedWordLength);

@@ -16,5 +16,9 @@ constexpr qsizetype maxIndexedNameLength = 1000;
 constexpr qsizetype maxIndexedWordLength = 64;
 constexpr qsizetype maxIndexedAddressLength = 1000;
 
+// `text` split at whitespace and newlines, empty pieces dropped. No regular expression: the
+// index build and the listing run on threads that may outlive the process's static objects.
+QStringList wordsOf(QStringView text);
+
 // The words of a name as the index expands them, after those limits.
 QStringList indexedNameWords(const QString &name);
