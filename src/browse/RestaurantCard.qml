@@ -65,6 +65,8 @@ SwipeDelegate {
                 sourceSize: Qt.size(136, 136)
                 fillMode: Image.PreserveAspectCrop
                 asynchronous: true
+                // A card scrolled away lets its picture go: a province holds tens of thousands.
+                cache: false
             }
             Text {
                 anchors.centerIn: parent
