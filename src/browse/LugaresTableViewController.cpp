@@ -65,10 +65,7 @@ public:
     // every visible card at every key.
     void update()
     {
-        QList<std::pair<int, int>> target;
-        for (int s = 0; s < m_list.m_sections.size(); ++s)
-            for (int r = 0; r < m_list.m_sections.at(s).ids.size(); ++r)
-                target.append({s, r});
+        const QList<std::pair<int, int>> target = offsetsOf(m_list.m_sections);
         const auto idOf = [this](const QList<Section> &sections, std::pair<int, int> at) {
             return sections.at(at.first).ids.at(at.second);
         };
@@ -96,7 +93,6 @@ public:
             m_index = target;
             endInsertRows();
         }
-        m_index = target;
         if (!m_index.isEmpty() && (head > 0 || tail > 0))
             emit dataChanged(index(0), index(int(m_index.size()) - 1), {SectionRole, LetterRole});
     }
@@ -169,13 +165,20 @@ public:
     }
 
 private:
+    // Row -> (section, offset) for every row of `sections`.
+    static QList<std::pair<int, int>> offsetsOf(const QList<Section> &sections)
+    {
+        QList<std::pair<int, int>> offsets;
+        for (int s = 0; s < sections.size(); ++s)
+            for (int r = 0; r < sections.at(s).ids.size(); ++r)
+                offsets.append({s, r});
+        return offsets;
+    }
+
     void rebuildOffsets()
     {
         m_shown = m_list.m_sections;
-        m_index.clear();
-        for (int s = 0; s < m_list.m_sections.size(); ++s)
-            for (int r = 0; r < m_list.m_sections.at(s).ids.size(); ++r)
-                m_index.append({s, r});
+        m_index = offsetsOf(m_shown);
     }
 
     LugaresTableViewController &m_list;

@@ -201,6 +201,8 @@ void PlaceListing::fold() const
         m_nameOffsets.push_back(m_names.size());
         m_foldedNameOffsets.push_back(m_foldedNames.size());
         m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
+        // Only the folded addresses are read from here on.
+        std::vector<QString>().swap(m_addresses);
     });
 }
 

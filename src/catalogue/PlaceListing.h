@@ -55,7 +55,7 @@ private:
     QHash<int, int> m_positions;  // the same when ids are too sparse for a vector
     std::vector<std::pair<int, int>> m_byRank; // rank -> (place id, letter)
     QStringList m_letters;        // section letters, ascending
-    std::vector<QString> m_addresses;
+    mutable std::vector<QString> m_addresses; // as read; let go once folded
 
     mutable std::once_flag m_folded;
     // Names as they are and lower-cased, end to end in read order: a listing walks them in that
