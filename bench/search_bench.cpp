@@ -3,11 +3,13 @@
 //   VELMORA_BENCH_DOCUMENTS=DIR VELMORA_BENCH_PLACES=N search_bench   (DIR holds one catalogue of N places)
 // After Google Benchmark's own report it prints one summary row for scripts/bench's table.
 
+#include "catalogue/PlaceListing.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Database.h"
 #include "platform/DatabaseQueue.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -54,6 +56,21 @@ qsizetype keystroke(Restaurants &restaurants, const Filters &filters, const QSet
     ids.intersect(textIds);
     return restaurants.sortedEntries(ids, typed).size();
 }
+
+// Every place's sort name, name and address read and ranked: what the first list waits for.
+void BM_ListingRead(benchmark::State &state)
+{
+    // The file itself, without a Restaurants: its index build would share the cores.
+    const QFileInfoList files = QDir(documents()).entryInfoList({QStringLiteral("*.db")}, QDir::Files);
+    const QString path = files.isEmpty() ? QString() : files.first().filePath();
+    Database db(path);
+    if (!db.openWithFlags(Database::ReadOnly) || !db.setKey(Restaurants::dbkey))
+        qFatal("can't open %s", qPrintable(path));
+    QString error;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(PlaceListing::read(db, error));
+}
+BENCHMARK(BM_ListingRead)->Unit(benchmark::kMillisecond);
 
 void BM_IndexBuild(benchmark::State &state)
 {

@@ -6,6 +6,7 @@
 
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 namespace {
@@ -97,27 +98,75 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     }
 
     // Ranks by sort name (ties by id, so the order is the same on every run); a place without
-    // a sort name has none and drops out of every list.
-    std::vector<int> order;
-    for (int i = 0; i < int(sortNames.size()); ++i)
-        if (!sortNames[size_t(i)].isEmpty())
-            order.push_back(i);
-    std::sort(order.begin(), order.end(), [&](int a, int b) {
-        const int c = QString::compare(sortNames[size_t(a)], sortNames[size_t(b)]);
-        return c != 0 ? c < 0 : listing->m_places[size_t(a)].id < listing->m_places[size_t(b)].id;
+    // a sort name has none and drops out of every list. Names share long beginnings
+    // ("restaurante ..."), so the first sixteen characters are packed into integers that decide
+    // most comparisons, and only names equal that far are compared from there on.
+    constexpr qsizetype packedLength = 16;
+    struct Keyed {
+        std::array<quint64, packedLength / 4> prefix;
+        int index;
+    };
+    std::vector<Keyed> order;
+    order.reserve(sortNames.size());
+    for (int i = 0; i < int(sortNames.size()); ++i) {
+        const QString &name = sortNames[size_t(i)];
+        if (name.isEmpty())
+            continue;
+        Keyed keyed{{}, i};
+        for (qsizetype c = 0; c < packedLength; ++c)
+            keyed.prefix[size_t(c / 4)] = (keyed.prefix[size_t(c / 4)] << 16) | (c < name.size() ? name.at(c).unicode() : 0);
+        order.push_back(keyed);
+    }
+    std::sort(order.begin(), order.end(), [&](const Keyed &a, const Keyed &b) {
+        if (a.prefix != b.prefix)
+            return a.prefix < b.prefix;
+        // Equal packed beginnings: the rest decides (a name shorter than the packed length is
+        // padded with zeros there, so it is compared whole).
+        const QString &first = sortNames[size_t(a.index)];
+        const QString &second = sortNames[size_t(b.index)];
+        const qsizetype from = std::min({first.size(), second.size(), packedLength});
+        const int c = QStringView(first).sliced(from).compare(QStringView(second).sliced(from));
+        return c != 0 ? c < 0 : listing->m_places[size_t(a.index)].id < listing->m_places[size_t(b.index)].id;
     });
-    QStringList letters;
-    for (int i : order)
-        letters.append(sectionLetter(sortNames[size_t(i)]));
-    QStringList distinct = letters;
+
+    // Section letters: few distinct ones, so each first character is upper-cased once and each
+    // place keeps the slotIndex of its letter until the letters are put in order.
+    QStringList letterSlots;
+    QHash<QString, int> slotOfLetter;
+    QHash<char16_t, int> slotOfFirst;
+    const auto slotOf = [&](const QString &letter) {
+        auto known = slotOfLetter.constFind(letter);
+        if (known == slotOfLetter.constEnd()) {
+            known = slotOfLetter.insert(letter, int(letterSlots.size()));
+            letterSlots.append(letter);
+        }
+        return *known;
+    };
+    std::vector<int> slotOfRank;
+    slotOfRank.reserve(order.size());
+    for (const Keyed &keyed : order) {
+        const QString &name = sortNames[size_t(keyed.index)];
+        const char16_t first = name.at(0).unicode();
+        if (name.at(0).isHighSurrogate()) {
+            slotOfRank.push_back(slotOf(sectionLetter(name)));
+            continue;
+        }
+        auto known = slotOfFirst.constFind(first);
+        if (known == slotOfFirst.constEnd())
+            known = slotOfFirst.insert(first, slotOf(sectionLetter(name)));
+        slotOfRank.push_back(*known);
+    }
+    QStringList distinct = letterSlots;
     std::sort(distinct.begin(), distinct.end());
-    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+    std::vector<int> letterOfSlot(size_t(letterSlots.size()));
+    for (int slotIndex = 0; slotIndex < int(letterSlots.size()); ++slotIndex)
+        letterOfSlot[size_t(slotIndex)] = int(std::lower_bound(distinct.begin(), distinct.end(), letterSlots.at(slotIndex)) - distinct.begin());
     listing->m_letters = distinct;
     listing->m_byRank.reserve(order.size());
     for (int rank = 0; rank < int(order.size()); ++rank) {
-        Place &place = listing->m_places[size_t(order[size_t(rank)])];
+        Place &place = listing->m_places[size_t(order[size_t(rank)].index)];
         place.rank = rank;
-        place.letter = int(std::lower_bound(distinct.begin(), distinct.end(), letters.at(rank)) - distinct.begin());
+        place.letter = letterOfSlot[size_t(slotOfRank[size_t(rank)])];
         listing->m_byRank.push_back({place.id, place.letter});
     }
     return listing;

@@ -18,6 +18,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 
 const QString Restaurants::dbkey = QStringLiteral("Kr4{]%Tgpw");
@@ -73,7 +74,7 @@ struct Restaurants::Geography {
 struct Restaurants::Staged {
     std::shared_ptr<DatabaseQueue> queue;
     Geography geography;
-    QHash<int, QSet<int>> cuisines;
+    PlaceCuisines cuisines;
     std::optional<QDate> version;
 };
 
@@ -286,6 +287,9 @@ void Restaurants::loadDatabase()
     // first reads may still be damaged further in: before it replaces another catalogue (and so
     // before older files go) every page is checked.
     const bool replacing = candidates.size() > 1 || dbq();
+    const bool readingAhead = !isInUse(candidates.front());
+    if (readingAhead)
+        readListingAhead(candidates.front().path);
     std::optional<size_t> used;
     bool emptyPrices = false;
     for (size_t i = 0; i < candidates.size() && !used; ++i) {
@@ -323,7 +327,8 @@ void Restaurants::loadDatabase()
     }
 
     applyTablesLanguage();
-    readListingAhead();
+    if (*used > 0 || !readingAhead)
+        readListingAhead(candidates[*used].path);
     openSearchIndex(false);
     {
         QMutexLocker lock(&m_mutex);
@@ -346,8 +351,8 @@ void Restaurants::commitStaged(const OpenedCandidate &candidate, Staged staged)
 {
     commitGeography(staged.geography);
     QMutexLocker lock(&m_mutex);
-    for (auto it = staged.cuisines.begin(); it != staged.cuisines.end(); ++it)
-        m_rest_cuisines.insert(it.key(), it.value());
+    // A place the new catalogue doesn't name keeps the cuisines an earlier one gave it.
+    m_rest_cuisines = std::make_shared<const PlaceCuisines>(staged.cuisines.overlaying(*m_rest_cuisines));
     m_dbq = std::move(staged.queue);
     m_databasePath = candidate.path;
     m_databaseVersionDate = staged.version;
@@ -391,14 +396,20 @@ bool Restaurants::readGeography(Database &db, Geography &geography, QString &rea
     if (!states)
         return false;
 
-    // Table order, said explicitly: a covering index on county_id would otherwise hand the rows
-    // over in index order.
-    const bool places = read(QStringLiteral("SELECT id,county_id FROM restaurants ORDER BY rowid"), [&](const ResultSet &row) {
-        geography.placesInOrder.append({row.intForColumn(0), row.intForColumn(1)});
+    // Table order, which is rowid order. Read without an order, SQLite takes the rows from the
+    // covering filter index, a fraction of the table's pages (each one decrypted), and the
+    // order is then made here.
+    std::vector<std::array<qint64, 3>> places;
+    const bool placesRead = read(QStringLiteral("SELECT rowid,id,county_id FROM restaurants"), [&](const ResultSet &row) {
+        places.push_back({row.longForColumn(0), row.intForColumn(1), row.intForColumn(2)});
         return true;
     });
-    if (!places)
+    if (!placesRead)
         return false;
+    std::sort(places.begin(), places.end());
+    geography.placesInOrder.reserve(qsizetype(places.size()));
+    for (const auto &[rowid, id, municipality] : places)
+        geography.placesInOrder.append({int(id), int(municipality)});
 
     // Offers and promotions are optional tables; once a table is there, a failed read is damage.
     const auto readPlaceColumn = [&](const QString &table, QList<int> &into) {
@@ -440,16 +451,17 @@ void Restaurants::commitGeography(const Geography &geography)
 
 bool Restaurants::readCuisinesAndVersion(Database &db, Staged &staged, QString &reason) const
 {
-    // Rows come grouped by place: each change of id starts that place's set anew.
-    std::optional<int> previous;
+    int placeColumn = -1;
+    int cuisineColumn = -1;
     const bool read = db.forEachRow(QStringLiteral("SELECT * FROM restaurants_cuisines"), {}, [&](const ResultSet &row) {
-        const int placeId = row.intForColumn(QStringLiteral("restaurant_id"));
-        if (!previous || *previous != placeId)
-            staged.cuisines[placeId].clear();
-        staged.cuisines[placeId].insert(row.intForColumn(QStringLiteral("cuisine_id")));
-        previous = placeId;
+        if (placeColumn < 0) {
+            placeColumn = row.columnIndex(QStringLiteral("restaurant_id"));
+            cuisineColumn = row.columnIndex(QStringLiteral("cuisine_id"));
+        }
+        staged.cuisines.add(row.intForColumn(placeColumn), row.intForColumn(cuisineColumn));
         return true;
     });
+    staged.cuisines.finish();
     if (!read) {
         reason = QStringLiteral("reading restaurants_cuisines failed: ") + db.lastErrorMessage();
         return false;
@@ -605,10 +617,10 @@ bool Restaurants::provinceHasPromos(int provinceId) const
     return p && p->has_promos;
 }
 
-QSet<int> Restaurants::cuisinesOfRestaurant(int placeId) const
+QList<int> Restaurants::cuisinesOfRestaurant(int placeId) const
 {
     QMutexLocker lock(&m_mutex);
-    return m_rest_cuisines.value(placeId);
+    return m_rest_cuisines->of(placeId);
 }
 
 void Restaurants::setLanguage(const QString &language)

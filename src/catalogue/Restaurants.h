@@ -3,6 +3,7 @@
 #include "catalogue/FifoCache.h"
 #include "catalogue/Filters.h"
 #include "catalogue/LocalizableTable.h"
+#include "catalogue/PlaceCuisines.h"
 #include "catalogue/Province.h"
 #include "catalogue/Records.h"
 #include "catalogue/VerificationResult.h"
@@ -85,7 +86,7 @@ public:
     std::optional<int> provinceOfRestaurant(int placeId) const;
     bool provinceHasOffers(int provinceId) const;
     bool provinceHasPromos(int provinceId) const;
-    QSet<int> cuisinesOfRestaurant(int placeId) const;
+    QList<int> cuisinesOfRestaurant(int placeId) const; // ascending
 
     // Language of the catalogue's columns.
     QString language() const;
@@ -183,7 +184,8 @@ private:
     bool buildSearchIndex(DatabaseQueue &index, const QString &cataloguePath, QDate version);
     // The places' sort names, names and addresses of the catalogue in use, read on first need.
     std::shared_ptr<const PlaceListing> placeListing() const;
-    void readListingAhead();
+    void readListingAhead(const QString &path);
+    static std::shared_ptr<const PlaceListing> readListing(const QString &path, QString &error);
     std::optional<int> provinceOfRestaurantLocked(int placeId) const;
     enum class OnFailure { Damage, Quiet };
     QByteArray cachedImage(FifoCache<QByteArray> &cache, int id, const QString &sql, OnFailure onFailure);
@@ -198,7 +200,8 @@ private:
     QMap<int, std::shared_ptr<Province>> m_provinces;
     QHash<int, int> m_mun_to_prov;
     QHash<int, int> m_rid_to_mun;
-    QHash<int, QSet<int>> m_rest_cuisines;
+    // Shared, so a filter can read it outside the lock while a load replaces it.
+    std::shared_ptr<const PlaceCuisines> m_rest_cuisines = std::make_shared<PlaceCuisines>();
     QString m_databasePath;
     std::optional<QDate> m_databaseVersionDate;
     bool m_ready = false;
@@ -220,6 +223,8 @@ private:
     mutable std::mutex m_listMutex; // one reader of the listing at a time
     mutable std::shared_ptr<const PlaceListing> m_listing;
     mutable quint64 m_listingGeneration = 0;
+    // Read from a file before it was taken into use: the listing of that path, once it is.
+    mutable std::pair<QString, std::shared_ptr<const PlaceListing>> m_aheadListing;
 
     FifoCache<Brief> m_briefCache;
     // Bounded by bytes: scrolling a province of 35,000 places would otherwise keep every picture.

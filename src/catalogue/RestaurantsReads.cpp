@@ -76,9 +76,7 @@ std::optional<Brief> Restaurants::brief(int id)
             return;
         }
         // A place that isn't there keeps its empty brief too: lists ask for it again and again.
-        QList<int> cuisineIds = cuisinesOfRestaurant(id).values();
-        std::sort(cuisineIds.begin(), cuisineIds.end());
-        for (int cuisine : cuisineIds)
+        for (int cuisine : cuisinesOfRestaurant(id))
             if (const auto name = m_cuisines.name(cuisine))
                 brief.cuisines.append(*name);
         m_briefCache.store(id, brief);

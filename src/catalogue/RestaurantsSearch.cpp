@@ -122,6 +122,9 @@ void Restaurants::openSearchIndex(bool rebuild)
     // A thread of its own rather than a pool's: one build at a time, joined before the next.
     std::lock_guard threadLock(m_indexThreadMutex);
     m_indexBuild = std::thread([this, index, cataloguePath, version = *version, generation] {
+        // The first list needs the listing more than search needs the index: on a phone's few
+        // cores the build waits for it rather than share them with it.
+        placeListing();
         if (buildSearchIndex(*index, cataloguePath, version)) {
             std::lock_guard lock(m_mutex);
             if (m_generation == generation)
@@ -182,17 +185,35 @@ void Restaurants::waitForSearchIndex()
             thread->join();
 }
 
-void Restaurants::readListingAhead()
+void Restaurants::readListingAhead(const QString &path)
 {
-    // The first list asks for it at once; reading it here, while the window is being made,
-    // lets that list find it ready or under way (the listing's lock keeps it one read).
+    // The first list asks for the listing at once. Reading it from the newest file while that
+    // file is still being checked and loaded, and while the window is being made, lets the list
+    // find it ready; if the file is refused the read is simply not used.
     std::lock_guard lock(m_indexThreadMutex);
     if (m_listingRead.joinable())
         m_listingRead.join();
-    m_listingRead = std::thread([this] {
-        if (const auto listing = placeListing())
+    m_listingRead = std::thread([this, path] {
+        std::shared_ptr<const PlaceListing> listing;
+        {
+            std::lock_guard listLock(m_listMutex);
+            QString error;
+            listing = readListing(path, error);
+            m_aheadListing = {path, listing};
+        }
+        if (listing)
             listing->fold();
     });
+}
+
+std::shared_ptr<const PlaceListing> Restaurants::readListing(const QString &path, QString &error)
+{
+    // A connection of its own (keyed from the derived key), so that screens' reads don't wait.
+    Database source(path);
+    if (source.openWithFlags(Database::ReadOnly) && source.setKey(dbkey))
+        return PlaceListing::read(source, error);
+    error = source.lastErrorMessage();
+    return nullptr;
 }
 
 std::shared_ptr<const PlaceListing> Restaurants::placeListing() const
@@ -208,14 +229,14 @@ std::shared_ptr<const PlaceListing> Restaurants::placeListing() const
     }
     if (m_listing && m_listingGeneration == generation)
         return m_listing;
-    // A connection of its own (keyed from the derived key), so that screens' reads don't wait.
-    QString error;
     std::shared_ptr<const PlaceListing> listing;
-    Database source(catalogue->path());
-    if (source.openWithFlags(Database::ReadOnly) && source.setKey(dbkey))
-        listing = PlaceListing::read(source, error);
+    QString error;
+    // A listing read ahead from a file that was then refused is let go here.
+    auto ahead = std::exchange(m_aheadListing, {});
+    if (ahead.first == catalogue->path() && ahead.second)
+        listing = std::move(ahead.second);
     else
-        error = source.lastErrorMessage();
+        listing = readListing(catalogue->path(), error);
     if (!listing) {
         qCCritical(lcCatalogue) << "Damaged catalogue: reading sort names failed:" << error;
         return nullptr;
@@ -283,7 +304,7 @@ QSet<int> Restaurants::filteredIds(const Filters &filters, bool hideClosed) cons
     const QString cacheKey = sql + QLatin1Char('|') + joinedIds(filters.cuisines);
 
     // Typing asks for the same filters at every key: answered from memory within one catalogue.
-    QHash<int, QSet<int>> placeCuisines;
+    std::shared_ptr<const PlaceCuisines> placeCuisines;
     {
         std::lock_guard lock(m_mutex);
         if (m_filteredGeneration == m_generation)
@@ -296,7 +317,7 @@ QSet<int> Restaurants::filteredIds(const Filters &filters, bool hideClosed) cons
     catalogue->inDatabase([&](Database &db) {
         read = db.forEachRow(sql, {}, [&](const ResultSet &row) {
             const int id = row.intForColumn(0);
-            if (filters.cuisines.isEmpty() || placeCuisines.value(id).intersects(filters.cuisines))
+            if (filters.cuisines.isEmpty() || placeCuisines->sharesAny(id, filters.cuisines))
                 ids.insert(id);
             return true;
         });

@@ -1,5 +1,6 @@
 #include "catalogue/EditDistance.h"
 #include "catalogue/Filters.h"
+#include "catalogue/PlaceCuisines.h"
 #include "catalogue/PlaceListing.h"
 #include "catalogue/SearchTerms.h"
 #include "fixtures/TestHome.h"
@@ -292,4 +293,61 @@ TEST(Search, ListingDistanceAgreesWithTheMatrix)
         EXPECT_EQ(EditDistanceFrom(text).to(name), editDistance(text, name))
             << text.toStdString() << " / " << name.toStdString();
     }
+}
+
+// Catches: the packed sort keys ordering names that share long beginnings, names that are the
+// beginning of others, or names beyond the first plane otherwise than a plain comparison of the
+// whole names would; and equal names not kept in id order.
+TEST(Search, ListingOrderIsTheOrderOfWholeNames)
+{
+    const QStringList parts = {QStringLiteral("la "), QStringLiteral("a"), QStringLiteral("é"),
+                               QStringLiteral("🍷"), QStringLiteral("\uffef"), QStringLiteral("Z"), QStringLiteral("1")};
+    std::mt19937 random(11);
+    CatalogueFixture fixture = searchFixture();
+    fixture.places.clear();
+    for (int id = 1; id <= 400; ++id) {
+        // Most names share their first fifteen characters, some are shorter than that.
+        QString name = id % 10 == 0 ? QString() : QStringLiteral("restaurante la ");
+        for (int length = 1 + int(random() % 6); length > 0; --length)
+            name += parts.at(int(random() % unsigned(parts.size())));
+        fixture.places.append({id, name, name, 10, 2, 0, QStringLiteral("Obispo"), std::nullopt});
+    }
+    TestHome home;
+    home.addCatalogue(fixture, QStringLiteral("velmora-20170101.db"));
+    Restaurants restaurants(home.environment());
+    QSet<int> all;
+    QList<int> expected;
+    for (const auto &place : fixture.places) {
+        all.insert(place.id);
+        expected.append(place.id);
+    }
+    std::stable_sort(expected.begin(), expected.end(), [&](int a, int b) {
+        return QString::compare(fixture.places.at(a - 1).search_name, fixture.places.at(b - 1).search_name) < 0;
+    });
+    EXPECT_EQ(idsOf(restaurants.sortedEntries(all, QString())), expected);
+}
+
+// Catches: a later group of rows of a place not replacing an earlier one, a place missing from a
+// newer catalogue losing the cuisines an older one gave it, and duplicate rows counted twice.
+TEST(Search, PlaceCuisinesGroupsAndOverlays)
+{
+    PlaceCuisines older;
+    for (const auto &[place, cuisine] : std::vector<std::pair<int, int>>{{5, 1}, {7, 2}, {9, 4}})
+        older.add(place, cuisine);
+    older.finish();
+    PlaceCuisines newer;
+    for (const auto &[place, cuisine] : std::vector<std::pair<int, int>>{{7, 3}, {7, 3}, {2, 8}, {7, 6}, {7, 1}})
+        newer.add(place, cuisine);
+    newer.finish();
+    EXPECT_EQ(newer.of(7), (QList<int>{1, 6})) << "the later group of 7 replaces the earlier";
+    const PlaceCuisines merged = newer.overlaying(older);
+    EXPECT_EQ(merged.size(), 4);
+    EXPECT_EQ(merged.of(2), QList<int>{8});
+    EXPECT_EQ(merged.of(5), QList<int>{1});
+    EXPECT_EQ(merged.of(7), (QList<int>{1, 6}));
+    EXPECT_EQ(merged.of(9), QList<int>{4});
+    EXPECT_TRUE(merged.of(3).isEmpty());
+    EXPECT_TRUE(merged.sharesAny(7, {6, 40}));
+    EXPECT_FALSE(merged.sharesAny(7, {3}));
+    EXPECT_FALSE(merged.sharesAny(3, {1}));
 }
