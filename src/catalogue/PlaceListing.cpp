@@ -72,8 +72,10 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
                                     [&](const ResultSet &row) {
                                         Place place;
                                         place.id = row.intForColumn(0);
-                                        place.name = row.stringForColumn(2);
-                                        listing->m_places.push_back(std::move(place));
+                                        QString name = row.stringForColumn(2);
+                                        place.named = !name.isNull();
+                                        listing->m_places.push_back(place);
+                                        listing->m_readNames.push_back(std::move(name));
                                         sortNames.push_back(row.stringForColumn(1));
                                         listing->m_addresses.push_back(row.stringForColumn(3));
                                         return true;
@@ -209,7 +211,7 @@ QList<SortedEntry> PlaceListing::sorted(const QSet<int> &ids, const QString &tex
         }
         // Names that contain the text lead; no name at all comes last in its section.
         quint64 distance = farthest;
-        if (!place.name.isNull()) {
+        if (place.named) {
             const qsizetype from = m_nameOffsets[size_t(position)];
             const qsizetype length = m_nameOffsets[size_t(position) + 1] - from;
             distance = QStringView(m_loweredNames).mid(from, length).contains(lowered)
@@ -236,21 +238,23 @@ void PlaceListing::fold() const
         m_nameOffsets.reserve(m_places.size() + 1);
         for (size_t i = 0; i < m_places.size(); ++i) {
             m_nameOffsets.push_back(m_names.size());
-            m_names += m_places[i].name;
+            const QString &name = m_readNames[i];
+            m_names += name;
             // Lower case may change a name's length (rarely); both copies keep the same offsets.
-            QString lowered = m_places[i].name.toLower();
-            lowered.resize(m_places[i].name.size(), QLatin1Char(' '));
+            QString lowered = name.toLower();
+            lowered.resize(name.size(), QLatin1Char(' '));
             m_loweredNames += lowered;
             // The same limits as the index's, so both find the same places.
             m_foldedNameOffsets.push_back(m_foldedNames.size());
-            m_foldedNames += foldForSearch(indexedNameWords(m_places[i].name).join(QLatin1Char(' ')));
+            m_foldedNames += foldForSearch(indexedNameWords(name).join(QLatin1Char(' ')));
             m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
             m_foldedAddresses += foldForSearch(m_addresses[i].left(maxIndexedAddressLength));
         }
         m_nameOffsets.push_back(m_names.size());
         m_foldedNameOffsets.push_back(m_foldedNames.size());
         m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
-        // Only the folded addresses are read from here on.
+        // Only the strings made here are read from now on.
+        std::vector<QString>().swap(m_readNames);
         std::vector<QString>().swap(m_addresses);
     });
 }

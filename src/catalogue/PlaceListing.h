@@ -43,7 +43,7 @@ public:
 private:
     struct Place {
         int id = 0;
-        QString name;    // null when the catalogue has none
+        bool named = false; // false when the catalogue has no name for it
         int rank = -1;   // position by sort name; -1 without one (never listed)
         int letter = 0;  // index into m_letters
     };
@@ -55,6 +55,7 @@ private:
     QHash<int, int> m_positions;  // the same when ids are too sparse for a vector
     std::vector<std::pair<int, int>> m_byRank; // rank -> (place id, letter)
     QStringList m_letters;        // section letters, ascending
+    mutable std::vector<QString> m_readNames; // as read; let go once folded
     mutable std::vector<QString> m_addresses; // as read; let go once folded
 
     mutable std::once_flag m_folded;

@@ -228,7 +228,7 @@ private:
 
     FifoCache<Brief> m_briefCache;
     // Bounded by bytes: scrolling a province of 35,000 places would otherwise keep every picture.
-    FifoCache<QByteArray> m_profileImageCache{0, 24 * 1024 * 1024};
+    FifoCache<QByteArray> m_profileImageCache{0, 4 * 1024 * 1024};
     FifoCache<QByteArray> m_galleryImageCache{11};
     FifoCache<QByteArray> m_adImageCache{10};
     FifoCache<QByteArray> m_promoImageCache{12};

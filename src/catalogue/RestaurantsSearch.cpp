@@ -12,6 +12,9 @@
 #include <QFile>
 
 #include <algorithm>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <limits>
 #include <vector>
 
@@ -38,6 +41,17 @@ QString joinedIds(const QSet<int> &ids)
     return joinedIds(sorted);
 }
 
+}
+
+namespace {
+// Reading and folding the listing makes and frees hundreds of thousands of strings on a thread
+// of its own; glibc would keep that thread's freed pages resident for good.
+void releaseFreedMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
 }
 
 std::shared_ptr<DatabaseQueue> Restaurants::ftsQueue() const
@@ -130,6 +144,7 @@ void Restaurants::openSearchIndex(bool rebuild)
             if (m_generation == generation)
                 m_fts_dbq = index;
         }
+        releaseFreedMemory();
     });
 }
 
@@ -203,6 +218,7 @@ void Restaurants::readListingAhead(const QString &path)
         }
         if (listing)
             listing->fold();
+        releaseFreedMemory();
     });
 }
 
