@@ -23,6 +23,7 @@
 namespace {
 
 const char usage[] = R"(usage:
+  velmora-catalogue --help | --version
   velmora-catalogue build SOURCE.json -o OUT.db
   velmora-catalogue demo -o DIR [--places N] [--seed S] [--date YYYYMMDD]
   velmora-catalogue patch OLD.db NEW.db -o OUT.zip
@@ -226,6 +227,28 @@ int main(int argc, char *argv[])
     // The app's own code logs what a device would; a command-line tool speaks only on failure.
     QLoggingCategory::setFilterRules(QStringLiteral("velmora.*.info=false\nvelmora.*.debug=false\nvelmora.*.warning=false"));
     const QStringList arguments = QCoreApplication::arguments().mid(1);
+    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
+        std::fputs(usage, stdout);
+        return 0;
+    }
+    if (arguments.contains(QStringLiteral("--version"))) {
+        std::printf("velmora-catalogue %s\n", VELMORA_VERSION);
+        return 0;
+    }
+    // An option no command knows is refused before any command runs, with the usage.
+    static const QStringList known = {QStringLiteral("-o"), QStringLiteral("--base-url"), QStringLiteral("--cuisine"),
+                                      QStringLiteral("--date"), QStringLiteral("--municipality"), QStringLiteral("--places"),
+                                      QStringLiteral("--price"), QStringLiteral("--province"), QStringLiteral("--seed"),
+                                      QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to")};
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        const bool valueOfText = i > 0 && arguments.at(i - 1) == QLatin1String("--text");
+        if (argument.startsWith(QLatin1Char('-')) && argument.size() > 1 && !known.contains(argument) && !valueOfText) {
+            QTextStream(stderr) << "velmora-catalogue: unknown option " << argument << "\n\n";
+            std::fputs(usage, stderr);
+            return 2;
+        }
+    }
     const QString command = arguments.value(0);
     const QStringList rest = arguments.mid(1);
     if (command == QLatin1String("build"))
@@ -240,6 +263,7 @@ int main(int argc, char *argv[])
         return info(rest);
     if (command == QLatin1String("query"))
         return query(rest);
-    std::fputs(usage, command.isEmpty() || command == QLatin1String("--help") ? stdout : stderr);
-    return command.isEmpty() || command == QLatin1String("--help") ? 0 : 1;
+    // No command prints the usage; an unknown one is refused with it.
+    std::fputs(usage, command.isEmpty() ? stdout : stderr);
+    return command.isEmpty() ? 0 : 2;
 }

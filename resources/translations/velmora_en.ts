@@ -448,5 +448,140 @@
         <source>lugares_fewer_filters</source>
         <translation>No places match these filters. Try fewer.</translation>
     </message>
+    <message id="cli_usage">
+        <source>cli_usage</source>
+        <translation>usage: velmora [options] [velmora://LINK]
+
+  --home DIR          keep the catalogue, settings and caches under DIR
+                      (default: VELMORA_HOME, else the user's standard folders)
+  --open LINK         open a velmora:// link once the guide is shown
+  --self-test         show the first screen, report start-up time and memory, quit
+  --screenshot FILE   save the first frame of the screen reached as PNG, quit
+  --dump-ui           print the visible accessible items as JSON, quit
+  --version           print the version and quit
+  -h, --help          print this help and quit
+
+links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
+       velmora://map[?place=ID], velmora://myplaces, velmora://settings,
+       velmora://info, velmora://offers, velmora://discover</translation>
+    </message>
+    <message id="a11y_menu">
+        <source>a11y_menu</source>
+        <translation>Menu</translation>
+    </message>
+    <message id="a11y_search">
+        <source>a11y_search</source>
+        <translation>Search</translation>
+    </message>
+    <message id="a11y_cancel">
+        <source>a11y_cancel</source>
+        <translation>Back</translation>
+    </message>
+    <message id="a11y_back">
+        <source>a11y_back</source>
+        <translation>Back</translation>
+    </message>
+    <message id="a11y_filter">
+        <source>a11y_filter</source>
+        <translation>Filters</translation>
+    </message>
+    <message id="a11y_call">
+        <source>a11y_call</source>
+        <translation>Call</translation>
+    </message>
+    <message id="a11y_clear_search">
+        <source>a11y_clear_search</source>
+        <translation>Clear search</translation>
+    </message>
+    <message id="a11y_province_button">
+        <source>a11y_province_button</source>
+        <translation>Province: %1, choose another</translation>
+    </message>
+    <message id="a11y_place_list">
+        <source>a11y_place_list</source>
+        <translation>Places</translation>
+    </message>
+    <message id="a11y_letter_index">
+        <source>a11y_letter_index</source>
+        <translation>Letter index</translation>
+    </message>
+    <message id="a11y_letter">
+        <source>a11y_letter</source>
+        <translation>Letter %1</translation>
+    </message>
+    <message id="a11y_tab">
+        <source>a11y_tab</source>
+        <translation>%1 tab</translation>
+    </message>
+    <message id="a11y_close">
+        <source>a11y_close</source>
+        <translation>Close</translation>
+    </message>
+    <message id="a11y_search_field">
+        <source>a11y_search_field</source>
+        <translation>Search places</translation>
+    </message>
+    <message id="a11y_menu_list">
+        <source>a11y_menu_list</source>
+        <translation>Main menu</translation>
+    </message>
+    <message id="a11y_more_info">
+        <source>a11y_more_info</source>
+        <translation>More information</translation>
+    </message>
+    <message id="a11y_dim">
+        <source>a11y_dim</source>
+        <translation>Close the sheet</translation>
+    </message>
+    <message id="a11y_drawer">
+        <source>a11y_drawer</source>
+        <translation>Content, swipe to open the menu</translation>
+    </message>
+    <message id="a11y_phone_numbers">
+        <source>a11y_phone_numbers</source>
+        <translation>Phone numbers</translation>
+    </message>
+    <message id="a11y_place_row">
+        <source>a11y_place_row</source>
+        <translation>%1. %2. %3</translation>
+    </message>
+    <message id="root_subscribe_heading">
+        <source>root_subscribe_heading</source>
+        <translation>Stay in the know</translation>
+    </message>
+    <message id="root_subscribe_message">
+        <source>root_subscribe_message</source>
+        <translation>Get a text message when new places open in your provinces.</translation>
+    </message>
+    <message id="root_subscribe_not_now">
+        <source>root_subscribe_not_now</source>
+        <translation>Not now</translation>
+    </message>
+    <message id="root_welcome_heading">
+        <source>root_welcome_heading</source>
+        <translation>Welcome to Velmora</translation>
+    </message>
+    <message id="root_welcome_message">
+        <source>root_welcome_message</source>
+        <translation>Velmora needs its restaurant catalogue before you can browse.
+
+Copy a catalogue file (a .vmr file, or velmora-YYYYMMDD.db) into:
+
+%1
+
+It opens by itself as soon as it is there.</translation>
+    </message>
+    <message id="a11y_delete">
+        <source>a11y_delete</source>
+        <translation>Delete</translation>
+    </message>
+    <message id="a11y_reserve">
+        <source>a11y_reserve</source>
+        <translation>Reserve</translation>
+    </message>
+    <message id="a11y_out_of_service">
+        <source>a11y_out_of_service</source>
+        <translation>Out of service</translation>
+    </message>
 </context>
 </TS>

@@ -448,5 +448,140 @@
         <source>lugares_fewer_filters</source>
         <translation>No hay lugares con estos filtros. Prueba con menos.</translation>
     </message>
+    <message id="cli_usage">
+        <source>cli_usage</source>
+        <translation>uso: velmora [opciones] [velmora://ENLACE]
+
+  --home DIR          guarda el catálogo, los ajustes y las cachés en DIR
+                      (por defecto: VELMORA_HOME, si no las carpetas del usuario)
+  --open ENLACE       abre un enlace velmora:// cuando la guía se muestra
+  --self-test         muestra la primera pantalla, informa del arranque y la memoria, y sale
+  --screenshot FICH   guarda como PNG el primer fotograma de la pantalla alcanzada, y sale
+  --dump-ui           imprime en JSON los elementos accesibles visibles, y sale
+  --version           imprime la versión y sale
+  -h, --help          imprime esta ayuda y sale
+
+enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
+         velmora://map[?place=ID], velmora://myplaces, velmora://settings,
+         velmora://info, velmora://offers, velmora://discover</translation>
+    </message>
+    <message id="a11y_menu">
+        <source>a11y_menu</source>
+        <translation>Menú</translation>
+    </message>
+    <message id="a11y_search">
+        <source>a11y_search</source>
+        <translation>Buscar</translation>
+    </message>
+    <message id="a11y_cancel">
+        <source>a11y_cancel</source>
+        <translation>Atrás</translation>
+    </message>
+    <message id="a11y_back">
+        <source>a11y_back</source>
+        <translation>Atrás</translation>
+    </message>
+    <message id="a11y_filter">
+        <source>a11y_filter</source>
+        <translation>Filtros</translation>
+    </message>
+    <message id="a11y_call">
+        <source>a11y_call</source>
+        <translation>Llamar</translation>
+    </message>
+    <message id="a11y_clear_search">
+        <source>a11y_clear_search</source>
+        <translation>Borrar la búsqueda</translation>
+    </message>
+    <message id="a11y_province_button">
+        <source>a11y_province_button</source>
+        <translation>Provincia: %1, elegir otra</translation>
+    </message>
+    <message id="a11y_place_list">
+        <source>a11y_place_list</source>
+        <translation>Lugares</translation>
+    </message>
+    <message id="a11y_letter_index">
+        <source>a11y_letter_index</source>
+        <translation>Índice de letras</translation>
+    </message>
+    <message id="a11y_letter">
+        <source>a11y_letter</source>
+        <translation>Letra %1</translation>
+    </message>
+    <message id="a11y_tab">
+        <source>a11y_tab</source>
+        <translation>Pestaña %1</translation>
+    </message>
+    <message id="a11y_close">
+        <source>a11y_close</source>
+        <translation>Cerrar</translation>
+    </message>
+    <message id="a11y_search_field">
+        <source>a11y_search_field</source>
+        <translation>Buscar lugares</translation>
+    </message>
+    <message id="a11y_menu_list">
+        <source>a11y_menu_list</source>
+        <translation>Menú principal</translation>
+    </message>
+    <message id="a11y_more_info">
+        <source>a11y_more_info</source>
+        <translation>Más información</translation>
+    </message>
+    <message id="a11y_dim">
+        <source>a11y_dim</source>
+        <translation>Cerrar la hoja</translation>
+    </message>
+    <message id="a11y_drawer">
+        <source>a11y_drawer</source>
+        <translation>Contenido, desliza para abrir el menú</translation>
+    </message>
+    <message id="a11y_phone_numbers">
+        <source>a11y_phone_numbers</source>
+        <translation>Teléfonos</translation>
+    </message>
+    <message id="a11y_place_row">
+        <source>a11y_place_row</source>
+        <translation>%1. %2. %3</translation>
+    </message>
+    <message id="root_subscribe_heading">
+        <source>root_subscribe_heading</source>
+        <translation>Entérate de todo</translation>
+    </message>
+    <message id="root_subscribe_message">
+        <source>root_subscribe_message</source>
+        <translation>Recibe un mensaje de texto cuando abran lugares nuevos en tus provincias.</translation>
+    </message>
+    <message id="root_subscribe_not_now">
+        <source>root_subscribe_not_now</source>
+        <translation>Ahora no</translation>
+    </message>
+    <message id="root_welcome_heading">
+        <source>root_welcome_heading</source>
+        <translation>Bienvenido a Velmora</translation>
+    </message>
+    <message id="root_welcome_message">
+        <source>root_welcome_message</source>
+        <translation>Velmora necesita su catálogo de restaurantes antes de que puedas explorar.
+
+Copia un archivo de catálogo (un archivo .vmr, o velmora-AAAAMMDD.db) en:
+
+%1
+
+Se abrirá solo en cuanto esté allí.</translation>
+    </message>
+    <message id="a11y_delete">
+        <source>a11y_delete</source>
+        <translation>Eliminar</translation>
+    </message>
+    <message id="a11y_reserve">
+        <source>a11y_reserve</source>
+        <translation>Reservar</translation>
+    </message>
+    <message id="a11y_out_of_service">
+        <source>a11y_out_of_service</source>
+        <translation>Fuera de servicio</translation>
+    </message>
 </context>
 </TS>

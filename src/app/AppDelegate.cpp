@@ -1,6 +1,9 @@
 #include "app/AppDelegate.h"
 
 #include "app/DefaultKeys.h"
+#include "app/DeepLink.h"
+#include "app/LinkRouter.h"
+#include "browse/BuscarViewController.h"
 #include "app/Notifications.h"
 #include "catalogue/LoadRestaurantsOperation.h"
 #include "catalogue/Restaurants.h"
@@ -135,6 +138,29 @@ void AppDelegate::loadMainUI()
         m_sideMenu->viewDidLoad();
     }
     setRoot(QString::fromLatin1(mainRoot));
+    followPendingLink();
+}
+
+void AppDelegate::openLink(const QString &link, bool animated)
+{
+    m_pendingLink = link;
+    m_pendingLinkAnimated = animated;
+    if (m_root == QLatin1String(mainRoot))
+        followPendingLink();
+}
+
+void AppDelegate::followPendingLink()
+{
+    const QString link = std::exchange(m_pendingLink, QString());
+    if (link.isEmpty() || !m_mainNavigation || !m_sideMenu)
+        return;
+    auto *search = m_mainNavigation->viewControllers().isEmpty()
+        ? nullptr : qobject_cast<BuscarViewController *>(m_mainNavigation->viewControllers().first());
+    QString why;
+    const auto parsed = DeepLink::parse(link, &why);
+    if (parsed && search && LinkRouter(*search, *m_sideMenu->tableVC()).follow(*parsed, m_pendingLinkAnimated, &why))
+        return;
+    qCWarning(lcApp).noquote() << "Not following" << link << "-" << why;
 }
 
 void AppDelegate::showSideMenu(bool animated)

@@ -67,6 +67,10 @@ public:
     SideDrawer *drawer() const { return m_drawer; }
     SideMenuViewController *sideMenu() const { return m_sideMenu; }
     NavigationController *mainNavigation() const { return m_mainNavigation; }
+    // Follows a velmora:// link on the main interface, now or once it is loaded. A link that
+    // can't be followed leaves the main interface as it is and logs one line.
+    void openLink(const QString &link, bool animated = true);
+
     // Opens the drawer; harmless before the main interface exists.
     Q_INVOKABLE void showSideMenu(bool animated);
 
@@ -76,6 +80,7 @@ signals:
 private:
     void setRoot(const QString &root);
     void startWaitingForCatalogue();
+    void followPendingLink();
 
     Restaurants &m_restaurants;
     QString m_root;
@@ -84,4 +89,6 @@ private:
     NavigationController *m_mainNavigation = nullptr;
     SideMenuViewController *m_sideMenu = nullptr;
     SideDrawer *m_drawer = nullptr;
+    QString m_pendingLink;
+    bool m_pendingLinkAnimated = true;
 };

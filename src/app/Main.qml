@@ -28,12 +28,10 @@ ApplicationWindow {
     Component {
         id: placeholderRoot
         PlaceholderScreen {
-            heading: window.app.root === "subscribe-intro" ? "Stay in the know" : "Welcome to Velmora"
-            message: window.app.root === "subscribe-intro"
-                     ? "Get a text message when new places open in your provinces."
-                     : "Velmora needs its restaurant catalogue before you can browse.\n\nCopy a catalogue file (a .vmr file, or velmora-YYYYMMDD.db) into:\n\n"
-                       + window.app.documentsPath + "\n\nIt opens by itself as soon as it is there."
-            actionText: window.app.root === "subscribe-intro" ? "Not now" : ""
+            heading: window.app.root === "subscribe-intro" ? qsTrId("root_subscribe_heading") : qsTrId("root_welcome_heading")
+            message: window.app.root === "subscribe-intro" ? qsTrId("root_subscribe_message")
+                                                           : qsTrId("root_welcome_message").arg(window.app.documentsPath)
+            actionText: window.app.root === "subscribe-intro" ? qsTrId("root_subscribe_not_now") : ""
             onActionTriggered: window.app.provinceSelectionDidCancel()
         }
     }

@@ -63,6 +63,9 @@ Item {
             objectName: "drawerRecognizers"
             anchors.fill: parent
             enabled: root.drawer.recognizersAttached
+            Accessible.role: Accessible.Pane
+            Accessible.name: qsTrId("a11y_drawer")
+            Accessible.ignored: !enabled
             property real startX: 0
             property real startOffset: 0
             property real lastX: 0

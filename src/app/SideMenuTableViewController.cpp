@@ -107,11 +107,7 @@ void SideMenuTableViewController::didSelectRow(int row)
             m_menuDelegate->goToSearch();
         return;
     }
-    const int previous = m_selectedRow;
-    m_selectedRow = row;
-    emit dataChanged(index(previous), index(previous));
-    emit dataChanged(index(row), index(row));
-    emit selectedRowChanged();
+    markSelected(row);
     emit rowFlashed(row);
     // After this call returns, so that loading a screen doesn't hold up the row's feedback.
     const QString key = m_rows.at(row);
@@ -119,6 +115,26 @@ void SideMenuTableViewController::didSelectRow(int row)
         if (self)
             self->tellMenuToLoad(key);
     });
+}
+
+void SideMenuTableViewController::markSelected(int row)
+{
+    const int previous = m_selectedRow;
+    m_selectedRow = row;
+    emit dataChanged(index(previous), index(previous));
+    emit dataChanged(index(row), index(row));
+    emit selectedRowChanged();
+}
+
+bool SideMenuTableViewController::selectRowWithKey(const QString &key)
+{
+    const qsizetype row = m_rows.indexOf(key);
+    if (row <= 0)
+        return false;
+    // At once, not after the row's feedback: whoever asked goes on from the screen reached.
+    markSelected(int(row));
+    tellMenuToLoad(key);
+    return true;
 }
 
 void SideMenuTableViewController::tellMenuToLoad(const QString &rowKey)

@@ -34,6 +34,9 @@ public:
     int selectedRow() const { return m_selectedRow; }
     Q_INVOKABLE void didSelectRow(int row);
     void simulateTapOnSearch() { didSelectRow(1); }
+    // Chooses the row of a screen ("browse", "map", "myplaces", "info", "settings") as a tap
+    // would, and shows the screen before returning.
+    bool selectRowWithKey(const QString &key);
     void localize();
     // Called after the selection, once the table is done: loads the row's screen.
     void tellMenuToLoad(const QString &rowKey);
@@ -44,6 +47,7 @@ signals:
     void rowFlashed(int row);
 
 private:
+    void markSelected(int row);
     SideMenuViewController *m_menuDelegate = nullptr;
     RichString R;
     QStringList m_rows;

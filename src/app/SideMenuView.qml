@@ -13,6 +13,8 @@ Item {
         anchors { top: parent.top; left: parent.left; right: parent.right; bottom: moreInfo.top }
         interactive: false
         model: root.menu.tableVC
+        Accessible.role: Accessible.List
+        Accessible.name: qsTrId("a11y_menu_list")
         delegate: Item {
             id: row
             required property int index
@@ -25,6 +27,10 @@ Item {
             objectName: "menuRow-" + key
             width: rows.width
             height: logo ? 120 : 56
+            Accessible.role: Accessible.ListItem
+            Accessible.name: logo ? "Velmora" : (titleLabel.plainText + (badge !== "" ? " (" + badge + ")" : ""))
+            Accessible.selected: selected
+            Accessible.onPressAction: root.menu.tableVC.didSelectRow(row.index)
 
             Rectangle {
                 id: flash
@@ -53,6 +59,7 @@ Item {
                 horizontalAlignment: Text.AlignHCenter
             }
             RichLabel {
+                id: titleLabel
                 visible: !row.logo
                 anchors { left: iconLabel.right; leftMargin: 14; right: parent.right; verticalCenter: parent.verticalCenter }
                 text: row.title
@@ -80,6 +87,8 @@ Item {
         color: "white"
         wrapMode: Text.WordWrap
         font: Theme.font("OpenSans-Semibold", 13)
+        Accessible.role: Accessible.Button
+        Accessible.name: text
         MouseArea { anchors.fill: parent; onClicked: root.menu.moreInfoTouched() }
     }
 }

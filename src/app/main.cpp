@@ -5,6 +5,7 @@
 #include "platform/Database.h"
 #include "platform/Paths.h"
 #include "presentation/QuickItems.h"
+#include "presentation/UiDump.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -31,11 +32,28 @@ int main(int argc, char *argv[])
     QElapsedTimer sinceStart;
     sinceStart.start();
 
+    // The command line is read before any window or home: --help answers without a display.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const LaunchOptions options = LaunchOptions::parse(arguments);
+    switch (options.action) {
+    case LaunchOptions::Action::Help:
+        QTextStream(stdout) << LaunchOptions::usage() << "\n";
+        return 0;
+    case LaunchOptions::Action::Version:
+        QTextStream(stdout) << LaunchOptions::version() << "\n";
+        return 0;
+    case LaunchOptions::Action::Refuse:
+        QTextStream(stderr) << "velmora: " << options.error << "\n\n" << LaunchOptions::usage() << "\n";
+        return 2;
+    case LaunchOptions::Action::Run:
+        break;
+    }
+
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("Velmora"));
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
-
-    const LaunchOptions options = LaunchOptions::parse(QGuiApplication::arguments());
     if (!options.home.isEmpty())
         Paths::setRoot(options.home);
 
@@ -46,7 +64,11 @@ int main(int argc, char *argv[])
     if (!window.load())
         return 1;
 
-    if (options.selfTest || !options.screenshot.isEmpty()) {
+    // A link is followed once the interface is there, as if the user had gone there.
+    if (!options.link.isEmpty())
+        delegate.openLink(options.link);
+
+    if (options.reportsAndQuits()) {
         // The main interface is reported once a frame shows the place list's rows, which are
         // built in the background; any other root at its first frame. Ten seconds at most.
         QTimer::singleShot(10000, &app, &QGuiApplication::quit);
@@ -61,14 +83,16 @@ int main(int argc, char *argv[])
                                     << "); keyed catalogue connections: " << Database::keyedConnectionCount()
                                     << "; peak memory: " << peakMemoryMb() << " MB\n";
             };
-            if (!rootReported) {
+            if (!rootReported && options.selfTest) {
                 rootReported = true;
                 report("root");
             }
             if (delegate.root() == QLatin1String("main") && !rowsShown)
                 return;
-            if (delegate.root() == QLatin1String("main"))
+            if (delegate.root() == QLatin1String("main") && options.selfTest)
                 report("list rows of");
+            if (options.dumpUi)
+                QTextStream(stdout) << uiDumpJson(dumpUi(window.window())) << "\n";
             if (!options.screenshot.isEmpty() && !window.grab().save(options.screenshot))
                 QTextStream(stderr) << "could not save " << options.screenshot << "\n";
             QObject::disconnect(window.window(), &QQuickWindow::frameSwapped, &app, nullptr);

@@ -17,6 +17,9 @@ Item {
         id: provinceButton
         Item {
             objectName: "provinceButton"
+            Accessible.role: Accessible.Button
+            Accessible.name: qsTrId("a11y_province_button").arg(root.controller ? root.controller.provinceName : "")
+            Accessible.onPressAction: root.controller.toggleProvinces()
             RichLabel {
                 id: provinceLabel
                 anchors.centerIn: parent
@@ -43,6 +46,8 @@ Item {
                 leftPadding: 12
                 rightPadding: clear.visible ? 30 : 12
                 placeholderText: qsTrId("sidemenu_search")
+                Accessible.role: Accessible.EditableText
+                Accessible.name: qsTrId("a11y_search_field")
                 placeholderTextColor: "#a29476"
                 background: Rectangle { radius: 6; color: "white" }
                 property string previousText: text
@@ -60,6 +65,8 @@ Item {
                     text: "✕"
                     color: "#a29476"
                     font.pixelSize: 14
+                    Accessible.role: Accessible.Button
+                    Accessible.name: qsTrId("a11y_clear_search")
                     MouseArea {
                         anchors { fill: parent; margins: -8 }
                         onClicked: { root.controller.textFieldShouldClear(); field.clear(); field.previousText = "" }
@@ -97,6 +104,10 @@ Item {
                     required property string modelData
                     width: tabBar.width / Math.max(1, root.controller.tabTitles.length)
                     height: tabBar.height
+                    Accessible.role: Accessible.PageTab
+                    Accessible.name: qsTrId("a11y_tab").arg(modelData)
+                    Accessible.selected: index === root.controller.selectedTab
+                    Accessible.onPressAction: root.controller.selectedTab = index
                     Text {
                         anchors.centerIn: parent
                         text: modelData

@@ -331,6 +331,38 @@ void BuscarViewController::reloadRestaurants()
 }
 
 void BuscarViewController::showLugares() { selectTabKind(placesTab); }
+
+bool BuscarViewController::openPlace(int id, bool animated)
+{
+    showLugares();
+    return m_lugaresVC && m_lugaresVC->showPlace(id, animated);
+}
+
+bool BuscarViewController::switchProvince(int id)
+{
+    if (!m_restaurants.province(id))
+        return false;
+    UserDefaults::standard().setInteger(id, DefaultKeys::province);
+    provinceSelected(id, false);
+    return true;
+}
+
+void BuscarViewController::searchFor(const QString &text)
+{
+    showLugares();
+    m_searchText = text;
+    showSearch();
+    if (!text.isEmpty())
+        startSearching(text);
+}
+
+bool BuscarViewController::showTabKind(const QString &kind)
+{
+    if (!m_tabs.contains(kind))
+        return false;
+    selectTabKind(kind);
+    return true;
+}
 void BuscarViewController::showDescubre() { selectTabKind(discoverTab); }
 
 void BuscarViewController::filter()

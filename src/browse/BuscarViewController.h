@@ -31,6 +31,7 @@ class BuscarViewController : public ViewController
     Q_PROPERTY(int selectedTab READ selectedTab WRITE selectTab NOTIFY selectedTabChanged)
     Q_PROPERTY(QList<QObject *> tabControllers READ tabControllers NOTIFY tabsChanged)
     Q_PROPERTY(QVariant provinceTitle READ provinceTitle NOTIFY provinceTitleChanged)
+    Q_PROPERTY(QString provinceName READ provinceName NOTIFY provinceTitleChanged)
     Q_PROPERTY(bool searchVisible READ searchVisible NOTIFY searchVisibleChanged)
     Q_PROPERTY(QString searchText READ searchText NOTIFY searchVisibleChanged)
 
@@ -48,6 +49,13 @@ public:
     void selectTab(int index);
     QList<QObject *> tabControllers() const;
     LugaresTableViewController *lugaresVC() const { return m_lugaresVC.data(); }
+
+    // Where links lead, as a user would get there. Each answers false when it can't go there
+    // (no such place or province, or the tab isn't offered in this province).
+    bool openPlace(int id, bool animated);
+    bool switchProvince(int id);
+    void searchFor(const QString &text);
+    bool showTabKind(const QString &kind);
 
     QVariant provinceTitle() const { return QVariant::fromValue(m_provinceTitle); }
     QString provinceName() const { return m_provinceName; }

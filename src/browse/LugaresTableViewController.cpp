@@ -42,7 +42,7 @@ class LugaresRows : public QAbstractListModel
     Q_OBJECT
 
 public:
-    enum Role { RidRole = Qt::UserRole + 1, NameRole, CuisinesRole, AddressRole, WarningRole, HasPhoneRole, PictureRole,
+    enum Role { RidRole = Qt::UserRole + 1, NameRole, AccessibleNameRole, CuisinesRole, AddressRole, WarningRole, HasPhoneRole, PictureRole,
                 SectionRole, LetterRole };
 
     explicit LugaresRows(LugaresTableViewController &list)
@@ -152,6 +152,13 @@ public:
             return brief->outOfService ? IconFont::warning : QString();
         case HasPhoneRole:
             return brief->hasPhone;
+        case AccessibleNameRole: {
+            // What a screen reader says for the row: the card's texts without its glyphs.
+            QString spoken = qtTrId("a11y_place_row").arg(brief->name, brief->cuisines.join(QStringLiteral(", ")), brief->address);
+            if (brief->outOfService)
+                spoken += QStringLiteral(". ") + qtTrId("a11y_out_of_service");
+            return spoken;
+        }
         default:
             return {};
         }
@@ -161,7 +168,8 @@ public:
     {
         return {{RidRole, "rid"},         {NameRole, "name"},         {CuisinesRole, "cuisines"},
                 {AddressRole, "address"}, {WarningRole, "warning"},   {HasPhoneRole, "hasPhone"},
-                {PictureRole, "picture"}, {SectionRole, "section"},   {LetterRole, "letter"}};
+                {PictureRole, "picture"}, {SectionRole, "section"},   {LetterRole, "letter"},
+                {AccessibleNameRole, "accessibleName"}};
     }
 
 private:
@@ -389,16 +397,26 @@ void LugaresTableViewController::didSelectRow(int row)
 {
     if (m_customEditing)
         return; // no selection while editing
-    const int id = m_rows->idAt(row);
+    showPlace(m_rows->idAt(row), true);
+}
+
+bool LugaresTableViewController::showPlace(int id, bool animated)
+{
     NavigationController *navigation = navigationController();
-    if (id < 0 || !navigation)
-        return;
+    const auto info = id >= 0 ? m_restaurants.restaurantInfo(id) : std::nullopt;
+    if (!navigation || !info)
+        return false;
     ViewController *card = Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("lugar-view-controller"), this);
     if (!card)
-        return;
-    if (const auto info = m_restaurants.restaurantInfo(id))
-        card->setTitle(info->name);
-    navigation->pushViewController(card, true);
+        return false;
+    card->setTitle(info->name);
+    // Until the card lands, its stand-in says where the place is and how to call it.
+    QStringList details{info->address};
+    details += m_restaurants.phones(id);
+    details.removeAll(QString());
+    card->setProperty("message", details.join(QLatin1Char('\n')));
+    navigation->pushViewController(card, animated);
+    return true;
 }
 
 void LugaresTableViewController::showPhoneNumbersForId(int id)

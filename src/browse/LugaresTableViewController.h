@@ -77,6 +77,8 @@ public:
     Q_INVOKABLE void showSectionIndex();
 
     Q_INVOKABLE void didSelectRow(int row);
+    // Pushes the place's card; false for a place the catalogue doesn't have.
+    bool showPlace(int id, bool animated);
     void showPhoneNumbersForId(int id);
 
     bool customEditing() const { return m_customEditing; }

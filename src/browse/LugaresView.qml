@@ -23,6 +23,7 @@ Rectangle {
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "d"
                 font: Theme.font("Velmora-Icons", 54)
+                Accessible.ignored: true
                 color: Theme.colors.unselectedRowColor
             }
             Text {
@@ -44,6 +45,8 @@ Rectangle {
         model: root.controller ? root.controller.rows : null
         boundsBehavior: Flickable.StopAtBounds
         reuseItems: true
+        Accessible.role: Accessible.List
+        Accessible.name: qsTrId("a11y_place_list")
         delegate: RestaurantCard {
             list: root.controller
             width: placeList.width
@@ -57,6 +60,8 @@ Rectangle {
         anchors { right: parent.right; rightMargin: 2; verticalCenter: parent.verticalCenter }
         width: 18
         opacity: root.controller ? root.controller.sectionIndexAlpha : 1
+        Accessible.role: Accessible.List
+        Accessible.name: qsTrId("a11y_letter_index")
         Behavior on opacity { NumberAnimation { duration: 300 } }
         readonly property var titles: root.controller ? root.controller.sectionIndexTitles : []
         readonly property real letterHeight: Math.min(16, (root.height - 24) / Math.max(1, titles.length))
@@ -67,6 +72,8 @@ Rectangle {
                 width: sectionIndex.width
                 height: sectionIndex.letterHeight
                 text: modelData
+                Accessible.role: Accessible.ListItem
+                Accessible.name: qsTrId("a11y_letter").arg(modelData)
                 font: Theme.font("OpenSans-Bold", Math.min(11, sectionIndex.letterHeight - 1))
                 color: Theme.colors.barTintColor
                 horizontalAlignment: Text.AlignHCenter
@@ -77,6 +84,8 @@ Rectangle {
     MouseArea {
         objectName: "sectionIndexArea"
         anchors { fill: sectionIndex; leftMargin: -10 }
+        Accessible.role: Accessible.ScrollBar
+        Accessible.name: qsTrId("a11y_letter_index")
             function jump(y) {
                 const section = Math.max(0, Math.min(sectionIndex.titles.length - 1, Math.floor(y / sectionIndex.letterHeight)))
                 placeList.positionViewAtIndex(root.controller.rowForSection(section), ListView.Beginning)

@@ -16,6 +16,8 @@ Rectangle {
                 required property string modelData
                 width: root.width
                 height: 75
+                Accessible.role: Accessible.StaticText
+                Accessible.name: modelData.trim()
                 Text {
                     anchors { left: parent.left; leftMargin: 24; verticalCenter: parent.verticalCenter }
                     text: "T"
@@ -34,6 +36,9 @@ Rectangle {
         Item {
             width: root.width
             height: 50
+            Accessible.role: Accessible.Button
+            Accessible.name: root.controller ? root.controller.cancelTitle : ""
+            Accessible.onPressAction: root.controller.cancel()
             Text {
                 anchors.centerIn: parent
                 text: root.controller ? root.controller.cancelTitle : ""

@@ -20,6 +20,9 @@ SwipeDelegate {
 
     height: 92
     padding: 0
+    Accessible.role: Accessible.ListItem
+    required property string accessibleName
+    Accessible.name: accessibleName
     background: Rectangle {
         color: card.pressed ? "#f4f1ec" : "white"
         Rectangle { anchors.bottom: parent.bottom; x: 92; width: parent.width - x; height: 1; color: "#ebe6de" }
@@ -49,6 +52,8 @@ SwipeDelegate {
             text: "⊖"
             color: "red"
             font.pixelSize: 22
+            Accessible.role: Accessible.Button
+            Accessible.name: qsTrId("a11y_delete")
             MouseArea { anchors.fill: parent; onClicked: card.swipe.open(SwipeDelegate.Right) }
         }
         Rectangle {
@@ -70,6 +75,7 @@ SwipeDelegate {
             }
             Text {
                 anchors.centerIn: parent
+                Accessible.ignored: true
                 visible: photo.status !== Image.Ready
                 text: Theme.icons.camera
                 font: Theme.font("Velmora-Icons", 26)
@@ -129,6 +135,9 @@ SwipeDelegate {
             Rectangle {
                 required property var modelData
                 objectName: "swipeButton-" + modelData.type
+                Accessible.role: Accessible.Button
+                // a11y_call, a11y_reserve or a11y_delete
+                Accessible.name: qsTrId(["a11y", modelData.type].join("_"))
                 width: modelData.width
                 height: card.height
                 color: modelData.background

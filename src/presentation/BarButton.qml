@@ -8,6 +8,10 @@ Item {
     objectName: item ? "barButton-" + item.name : "barButton"
     width: Math.max(44, label.implicitWidth + 12)
     height: 44
+    Accessible.role: Accessible.Button
+    // The button names its key: a11y_menu, a11y_search, a11y_cancel, a11y_filter, a11y_back.
+    Accessible.name: item ? qsTrId(["a11y", item.name].join("_")) : ""
+    Accessible.onPressAction: button.item.trigger()
 
     Text {
         id: label

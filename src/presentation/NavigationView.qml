@@ -110,6 +110,8 @@ Item {
         color: Theme.colors.filtersDimColor
         opacity: sheet.item ? 1 : 0
         visible: opacity > 0
+        Accessible.role: Accessible.Button
+        Accessible.name: qsTrId("a11y_dim")
         Behavior on opacity { NumberAnimation { duration: root.navigation.lastChangeAnimated ? 250 : 0 } }
         MouseArea { anchors.fill: parent; onClicked: root.navigation.dismissViewController(true) }
     }

@@ -14,6 +14,8 @@ Rectangle {
         text: Theme.icons.back
         font: Theme.font("Velmora-Icons", 26)
         color: Theme.colors.barTintColor
+        Accessible.role: Accessible.Button
+        Accessible.name: qsTrId("a11y_close")
         MouseArea { anchors { fill: parent; margins: -12 } onClicked: view.controller.close() }
     }
 

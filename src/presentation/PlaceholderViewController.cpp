@@ -39,6 +39,14 @@ void PlaceholderViewController::viewDidLoad()
     localize();
 }
 
+void PlaceholderViewController::setMessage(const QString &message)
+{
+    if (message == m_message)
+        return;
+    m_message = message;
+    emit messageChanged();
+}
+
 void PlaceholderViewController::close()
 {
     NavigationController *navigation = navigationController();

@@ -9,7 +9,7 @@ class PlaceholderViewController : public ViewController
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made through the Storyboard registry")
-    Q_PROPERTY(QString message READ message CONSTANT)
+    Q_PROPERTY(QString message READ message WRITE setMessage NOTIFY messageChanged)
     Q_PROPERTY(bool presented READ presented CONSTANT)
 
 public:
@@ -19,9 +19,13 @@ public:
 
     QUrl viewUrl() const override { return QUrl(QStringLiteral("qrc:/Velmora/presentation/PlaceholderView.qml")); }
     QString message() const { return m_message; }
+    void setMessage(const QString &message);
     // A presented sheet draws its own close button: it has no bar.
     bool presented() const { return m_place == Place::Presented; }
     Q_INVOKABLE void close();
+
+signals:
+    void messageChanged();
 
 protected:
     void viewDidLoad() override;

@@ -332,3 +332,24 @@ TEST(Toolkit, DemoPicturesContactSheet)
     QDir().mkpath(QStringLiteral(VELMORA_TEST_OUTPUT));
     EXPECT_TRUE(sheet.save(QStringLiteral(VELMORA_TEST_OUTPUT "/demo-pictures.png")));
 }
+
+// Catches: --help or --version refused or run as a command, and unknown options or commands
+// accepted, or refused without the usage or with another status than 2.
+TEST(Toolkit, CommandLineExplainsItself)
+{
+    for (const QStringList &arguments : {QStringList{QStringLiteral("--help")}, QStringList{QStringLiteral("demo"), QStringLiteral("-h")}}) {
+        const ToolRun help = runTool(arguments);
+        EXPECT_EQ(help.exitCode, 0);
+        EXPECT_TRUE(help.out.contains("velmora-catalogue publish"));
+    }
+    const ToolRun version = runTool({QStringLiteral("--version")});
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_TRUE(version.out.startsWith("velmora-catalogue "));
+    for (const QStringList &arguments : {QStringList{QStringLiteral("frobnicate")},
+                                         QStringList{QStringLiteral("demo"), QStringLiteral("-o"), QStringLiteral("x"), QStringLiteral("--colour")}}) {
+        const ToolRun refused = runTool(arguments);
+        EXPECT_EQ(refused.exitCode, 2) << arguments.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(refused.err.contains("usage:"));
+        EXPECT_TRUE(refused.out.isEmpty());
+    }
+}

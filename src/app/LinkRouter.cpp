@@ -1,0 +1,45 @@
+#include "app/LinkRouter.h"
+
+#include "app/SideMenuTableViewController.h"
+#include "browse/BuscarViewController.h"
+
+namespace {
+const QString searchRow = QStringLiteral("browse");
+}
+
+bool LinkRouter::follow(const DeepLink &link, bool animated, QString *why)
+{
+    const auto fail = [why](const QString &reason) {
+        if (why)
+            *why = reason;
+        return false;
+    };
+    switch (link.kind) {
+    case DeepLink::Kind::Place:
+        // The card goes on the search screen's stack, so back returns to the list.
+        m_menu.selectRowWithKey(searchRow);
+        return m_search.openPlace(link.id, animated) || fail(QStringLiteral("no place %1").arg(link.id));
+    case DeepLink::Kind::Province:
+        m_menu.selectRowWithKey(searchRow);
+        return m_search.switchProvince(link.id) || fail(QStringLiteral("no province %1").arg(link.id));
+    case DeepLink::Kind::Search:
+        m_menu.selectRowWithKey(searchRow);
+        m_search.searchFor(link.text);
+        return true;
+    case DeepLink::Kind::Offers:
+    case DeepLink::Kind::Discover: {
+        m_menu.selectRowWithKey(searchRow);
+        const QString tab = link.kind == DeepLink::Kind::Offers ? QStringLiteral("offers") : QStringLiteral("discover");
+        return m_search.showTabKind(tab) || fail(QStringLiteral("this province has no %1").arg(tab));
+    }
+    case DeepLink::Kind::Map:
+        return m_menu.selectRowWithKey(QStringLiteral("map")) || fail(QStringLiteral("no map in the menu"));
+    case DeepLink::Kind::MyPlaces:
+        return m_menu.selectRowWithKey(QStringLiteral("myplaces")) || fail(QStringLiteral("no my places in the menu"));
+    case DeepLink::Kind::Settings:
+        return m_menu.selectRowWithKey(QStringLiteral("settings")) || fail(QStringLiteral("no settings in the menu"));
+    case DeepLink::Kind::Info:
+        return m_menu.selectRowWithKey(QStringLiteral("info")) || fail(QStringLiteral("no info in the menu"));
+    }
+    return fail(QStringLiteral("unknown destination"));
+}
