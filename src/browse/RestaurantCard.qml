@@ -128,27 +128,30 @@ SwipeDelegate {
         }
     }
 
-    swipe.right: Row {
-        anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
-        Repeater {
-            model: card.list ? card.list.swipeButtonsForRow(card.index) : []
-            Rectangle {
-                required property var modelData
-                objectName: "swipeButton-" + modelData.type
-                Accessible.role: Accessible.Button
-                // a11y_call, a11y_reserve or a11y_delete
-                Accessible.name: qsTrId(["a11y", modelData.type].join("_"))
-                width: modelData.width
-                height: card.height
-                color: modelData.background
-                RichLabel {
-                    anchors.centerIn: parent
-                    text: modelData.title
-                    color: "white"
-                }
-                MouseArea {
-                    anchors.fill: parent
-                    onClicked: if (card.list.tappedButton(card.index, modelData.index)) card.swipe.close()
+    // Made when the card is first swiped, not with every card: a list that changes under typing
+    // creates many cards, and their buttons' styled titles are rendered only for the one swiped.
+    swipe.right: Component {
+        Row {
+            anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
+            Repeater {
+                model: card.list ? card.list.swipeButtonsForRow(card.index) : []
+                Rectangle {
+                    required property var modelData
+                    objectName: "swipeButton-" + modelData.type
+                    Accessible.role: Accessible.Button
+                    // a11y_call, a11y_reserve or a11y_delete
+                    Accessible.name: qsTrId(["a11y", modelData.type].join("_"))
+                    width: modelData.width
+                    height: card.height
+                    color: modelData.background
+                    RichLabel {
+                        anchors.centerIn: parent
+                        text: modelData.title
+                        color: "white"
+                    }
+                    // The card takes the finger for its swipe; a tap on its buttons reaches them
+                    // through the attached signal, not through a MouseArea.
+                    SwipeDelegate.onClicked: if (card.list.tappedButton(card.index, modelData.index)) card.swipe.close()
                 }
             }
         }

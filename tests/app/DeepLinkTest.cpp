@@ -136,6 +136,13 @@ TEST(DeepLink, EveryLinkOpensItsScreenAndEveryControlIsNamed)
             EXPECT_FALSE(node.toObject().value(QStringLiteral("name")).toString().isEmpty())
                 << link.toStdString() << ": " << QJsonDocument(node.toObject()).toJson(QJsonDocument::Compact).toStdString();
     }
+    // With no catalogue yet, the first-run screen.
+    TestHome empty;
+    const QJsonArray welcome = dumpOf(empty, QStringLiteral("velmora://info"));
+    EXPECT_TRUE(namesIn(welcome).contains(QStringLiteral("Welcome to Velmora")));
+    for (const QJsonValue &node : welcome)
+        EXPECT_FALSE(node.toObject().value(QStringLiteral("name")).toString().isEmpty());
+
     // The side menu's screens replace the list: their own title is what the dump starts with.
     EXPECT_TRUE(namesIn(dumpOf(home, QStringLiteral("velmora://settings"))).contains(QStringLiteral("Settings")));
     EXPECT_TRUE(namesIn(dumpOf(home, QStringLiteral("velmora://search?q=a"))).contains(QStringLiteral("Search places")));

@@ -68,9 +68,10 @@ struct DemoWindow {
 }
 
 // Drives the main interface offscreen and saves what a user sees: the capital's list, the open
-// drawer, a search typed into the bar, and the phone sheet. Catches screens that don't show
-// their controller's state: no cards, no index, a drawer that doesn't open, typing that doesn't
-// narrow the list.
+// drawer, a search typed into the bar, and the phone sheet opened by swiping a card and tapping
+// its call button. Catches screens that don't show their controller's state: no cards, no index,
+// a drawer that doesn't open, typing that doesn't narrow the list, a swipe button a finger can't
+// tap.
 TEST(MainInterface, ListDrawerSearchAndPhoneSheet)
 {
     DemoWindow ui;
@@ -109,7 +110,20 @@ TEST(MainInterface, ListDrawerSearchAndPhoneSheet)
         if (list->rows()->index(row).data(list->rows()->roleNames().key("hasPhone")).toBool())
             withPhone = list->idAtRow(row);
     ASSERT_GE(withPhone, 0);
-    list->showPhoneNumbersForId(withPhone);
+    // A finger drags the card to the left; the call button it uncovers opens the sheet.
+    QQuickItem *card = ui.item(qPrintable(QStringLiteral("placeCard-%1").arg(withPhone)));
+    ASSERT_TRUE(card);
+    EXPECT_EQ(ui.item("swipeButton-call"), nullptr) << "swipe buttons are made before any swipe";
+    const QPointF middle = card->mapToScene(QPointF(card->width() - 40, card->height() / 2));
+    QQuickWindow *window = ui.window->window();
+    QTest::mousePress(window, Qt::LeftButton, {}, middle.toPoint());
+    for (int step = 1; step <= 10; ++step)
+        QTest::mouseMove(window, (middle - QPointF(25.0 * step, 0)).toPoint(), 16);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, (middle - QPointF(250, 0)).toPoint());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("swipeButton-call") && ui.item("swipeButton-call")->isVisible(); }, 2000));
+    QTest::qWait(400); // the card settles open
+    QQuickItem *call = ui.item("swipeButton-call");
+    QTest::mouseClick(window, Qt::LeftButton, {}, call->mapToScene(QPointF(call->width() / 2, call->height() / 2)).toPoint());
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("phoneNumbersView") != nullptr; }, 2000));
     ui.save("phone-sheet");
 }
