@@ -136,6 +136,9 @@ TEST(DeepLink, EveryLinkOpensItsScreenAndEveryControlIsNamed)
             EXPECT_FALSE(node.toObject().value(QStringLiteral("name")).toString().isEmpty())
                 << link.toStdString() << ": " << QJsonDocument(node.toObject()).toJson(QJsonDocument::Compact).toStdString();
     }
+    EXPECT_TRUE(namesIn(dumpOf(home, QStringLiteral("velmora://province/2"))).contains(QStringLiteral("Province: Matanzas, choose another")));
+    EXPECT_FALSE(namesIn(dumpOf(home, QStringLiteral("velmora://province/77"))).filter(QStringLiteral("Province: ")).isEmpty());
+
     // With no catalogue yet, the first-run screen.
     TestHome empty;
     const QJsonArray welcome = dumpOf(empty, QStringLiteral("velmora://info"));
