@@ -583,5 +583,9 @@ It opens by itself as soon as it is there.</translation>
         <source>a11y_out_of_service</source>
         <translation>Out of service</translation>
     </message>
+    <message id="placeholder_on_its_way">
+        <source>placeholder_on_its_way</source>
+        <translation>This part of Velmora is on its way.</translation>
+    </message>
 </context>
 </TS>

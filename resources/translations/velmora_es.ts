@@ -583,5 +583,9 @@ Se abrirá solo en cuanto esté allí.</translation>
         <source>a11y_out_of_service</source>
         <translation>Fuera de servicio</translation>
     </message>
+    <message id="placeholder_on_its_way">
+        <source>placeholder_on_its_way</source>
+        <translation>Esta parte de Velmora está en camino.</translation>
+    </message>
 </context>
 </TS>

@@ -8,12 +8,12 @@
 
 namespace {
 
-void placeholder(const char *storyboard, const char *identifier, const char *titleKey, const char *message,
-                 PlaceholderViewController::Place place)
+// A screen still to come: its title and one translated note that it is on its way.
+void placeholder(const char *storyboard, const char *identifier, const char *titleKey, PlaceholderViewController::Place place)
 {
     Storyboard::registerScene(QString::fromLatin1(storyboard), QString::fromLatin1(identifier),
                               [=](QObject *parent) -> ViewController * {
-                                  return new PlaceholderViewController(titleKey, QString::fromUtf8(message), place, parent);
+                                  return new PlaceholderViewController(titleKey, QT_TRID_NOOP("placeholder_on_its_way"), place, parent);
                               });
 }
 
@@ -32,15 +32,14 @@ void registerApplicationScenes()
                               [](QObject *parent) -> ViewController * { return new PhoneNumbersViewController(parent); });
 
     using Place = PlaceholderViewController::Place;
-    placeholder("Buscar", "descubre-view-controller", "search_discover", "The discover feed arrives with its own screen.", Place::Pushed);
-    placeholder("Buscar", "offers-view-controller", "search_offers", "The offers list arrives with its own screen.", Place::Pushed);
-    placeholder("Buscar", "provinces-view-controller", nullptr, "The province picker arrives with its own screen.", Place::Presented);
-    placeholder("Filtros", "filters-view-controller", "filters_title", "The filters panel arrives with its own screen.", Place::Presented);
-    placeholder("Lugar", "lugar-view-controller", nullptr, "The place card arrives with its own screen.", Place::Pushed);
-    placeholder("Main", "map-view-controller", "map_title", "The map arrives with its own screen.", Place::TopLevel);
-    placeholder("Main", "my-places-view-controller", "myplaces_title", "My places arrives with its own screen.", Place::TopLevel);
-    placeholder("Info_Settings", "info-view-controller", "sidemenu_info", "The info screen arrives with its own screen.", Place::TopLevel);
-    placeholder("Info_Settings", "settings-view-controller", "settings_title", "Settings arrive with their own screen.", Place::TopLevel);
-    placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", "The SMS subscription arrives with its own screens.",
-                Place::Presented);
+    placeholder("Buscar", "descubre-view-controller", "search_discover", Place::Pushed);
+    placeholder("Buscar", "offers-view-controller", "search_offers", Place::Pushed);
+    placeholder("Buscar", "provinces-view-controller", nullptr, Place::Presented);
+    placeholder("Filtros", "filters-view-controller", "filters_title", Place::Presented);
+    placeholder("Lugar", "lugar-view-controller", nullptr, Place::Pushed);
+    placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);
+    placeholder("Main", "my-places-view-controller", "myplaces_title", Place::TopLevel);
+    placeholder("Info_Settings", "info-view-controller", "sidemenu_info", Place::TopLevel);
+    placeholder("Info_Settings", "settings-view-controller", "settings_title", Place::TopLevel);
+    placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", Place::Presented);
 }

@@ -84,6 +84,8 @@ Rectangle {
     MouseArea {
         objectName: "sectionIndexArea"
         anchors { fill: sectionIndex; leftMargin: -10 }
+        // Dimmed while a card is swiped open, and then the taps go to the card's buttons beneath.
+        enabled: root.controller && root.controller.sectionIndexAlpha >= 1
         Accessible.role: Accessible.ScrollBar
         Accessible.name: qsTrId("a11y_letter_index")
             function jump(y) {

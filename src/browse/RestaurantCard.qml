@@ -40,6 +40,9 @@ SwipeDelegate {
         }
     }
     property bool swiped: false
+    // A card scrolled away and reused for another place comes back closed.
+    ListView.onPooled: card.swipe.close()
+    ListView.onReused: card.swipe.close()
 
     contentItem: Item {
         Text {

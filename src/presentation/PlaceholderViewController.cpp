@@ -9,10 +9,10 @@
 #include "richtext/IconFont.h"
 #include "richtext/RichTextLayout.h"
 
-PlaceholderViewController::PlaceholderViewController(const char *titleKey, QString message, Place place, QObject *parent)
+PlaceholderViewController::PlaceholderViewController(const char *titleKey, const char *messageKey, Place place, QObject *parent)
     : ViewController(parent)
     , m_titleKey(titleKey)
-    , m_message(std::move(message))
+    , m_messageKey(messageKey)
     , m_place(place)
 {
 }
@@ -32,15 +32,22 @@ void PlaceholderViewController::viewDidLoad()
         connect(back, &BarButtonItem::triggered, this, &PlaceholderViewController::close);
         setLeftItems({back});
     }
-    if (!m_titleKey)
-        return; // titled by whoever made it, for example with a place's name
-    const auto localize = [this] { setTitle(qtTrId(m_titleKey)); };
+    // A title or message set by whoever made the screen (a place's name) stays as it is.
+    const auto localize = [this] {
+        if (m_titleKey)
+            setTitle(qtTrId(m_titleKey));
+        if (m_messageKey) {
+            m_message = qtTrId(m_messageKey);
+            emit messageChanged();
+        }
+    };
     NotificationCenter::defaultCenter().addObserver(this, Localize::changeNotification, [localize](const QVariant &) { localize(); });
     localize();
 }
 
 void PlaceholderViewController::setMessage(const QString &message)
 {
+    m_messageKey = nullptr;
     if (message == m_message)
         return;
     m_message = message;

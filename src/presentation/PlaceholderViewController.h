@@ -15,7 +15,8 @@ class PlaceholderViewController : public ViewController
 public:
     enum class Place { TopLevel, Pushed, Presented };
 
-    PlaceholderViewController(const char *titleKey, QString message, Place place, QObject *parent = nullptr);
+    // `messageKey` names the translated note shown until someone sets a message of their own.
+    PlaceholderViewController(const char *titleKey, const char *messageKey, Place place, QObject *parent = nullptr);
 
     QUrl viewUrl() const override { return QUrl(QStringLiteral("qrc:/Velmora/presentation/PlaceholderView.qml")); }
     QString message() const { return m_message; }
@@ -32,6 +33,7 @@ protected:
 
 private:
     const char *m_titleKey;
+    const char *m_messageKey;
     QString m_message;
     Place m_place;
 };

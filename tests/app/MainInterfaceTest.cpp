@@ -122,8 +122,63 @@ TEST(MainInterface, ListDrawerSearchAndPhoneSheet)
     QTest::mouseRelease(window, Qt::LeftButton, {}, (middle - QPointF(250, 0)).toPoint());
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("swipeButton-call") && ui.item("swipeButton-call")->isVisible(); }, 2000));
     QTest::qWait(400); // the card settles open
+    EXPECT_FALSE(ui.item("sectionIndexArea")->property("enabled").toBool()) << "the letter index would take the buttons' taps";
     QQuickItem *call = ui.item("swipeButton-call");
     QTest::mouseClick(window, Qt::LeftButton, {}, call->mapToScene(QPointF(call->width() / 2, call->height() / 2)).toPoint());
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("phoneNumbersView") != nullptr; }, 2000));
     ui.save("phone-sheet");
+}
+
+namespace {
+// Drags a card of the window to the left by most of its width, as a finger would.
+void swipeOpen(QQuickWindow *window, QQuickItem *card)
+{
+    const QPointF start = card->mapToScene(QPointF(card->width() - 40, card->height() / 2));
+    QTest::mousePress(window, Qt::LeftButton, {}, start.toPoint());
+    for (int step = 1; step <= 10; ++step)
+        QTest::mouseMove(window, (start - QPointF(25.0 * step, 0)).toPoint(), 16);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, (start - QPointF(250, 0)).toPoint());
+}
+
+qreal swipePosition(QQuickItem *card)
+{
+    return card->property("swipe").value<QObject *>()->property("position").toReal();
+}
+}
+
+// Catches: a card scrolled away while open coming back open for another place, and the letter
+// index staying hidden once no card is open.
+TEST(MainInterface, AnOpenSwipeDoesNotOutliveItsRow)
+{
+    DemoWindow ui;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    QQuickItem *list = ui.item("placeList");
+    QQuickItem *card = ui.itemWhere([](QQuickItem *item) {
+        return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible() && item->y() > 100;
+    });
+    ASSERT_TRUE(card);
+    swipeOpen(ui.window->window(), card);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return swipePosition(card) < -0.9; }, 2000));
+    // A tap where the dimmed letters lie over the open card's buttons leaves the list where it is.
+    QQuickItem *index = ui.item("sectionIndexArea");
+    const qreal before = list->property("contentY").toReal();
+    const QPointF letters = index->mapToScene(QPointF(index->width() / 2, index->height() - 2));
+    QTest::mouseClick(ui.window->window(), Qt::LeftButton, {}, letters.toPoint());
+    QTest::qWait(100);
+    EXPECT_EQ(list->property("contentY").toReal(), before) << "the dimmed index jumped the list";
+    for (int screen = 0; screen < 6; ++screen) {
+        list->setProperty("contentY", list->property("contentY").toReal() + list->height());
+        QTest::qWait(30);
+    }
+    for (int screen = 0; screen < 6; ++screen) {
+        list->setProperty("contentY", list->property("contentY").toReal() - list->height());
+        QTest::qWait(30);
+    }
+    QTest::qWait(500);
+    findItemIf(ui.window->window()->contentItem(), [](QQuickItem *item) {
+        if (item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible())
+            EXPECT_EQ(swipePosition(item), 0.0) << item->objectName().toStdString();
+        return false;
+    });
+    EXPECT_TRUE(ui.item("sectionIndexArea")->property("enabled").toBool());
 }
