@@ -587,5 +587,9 @@ It opens by itself as soon as it is there.</translation>
         <source>placeholder_on_its_way</source>
         <translation>This part of Velmora is on its way.</translation>
     </message>
+    <message id="a11y_province_list">
+        <source>a11y_province_list</source>
+        <translation>Provinces</translation>
+    </message>
 </context>
 </TS>

@@ -587,5 +587,9 @@ Se abrirá solo en cuanto esté allí.</translation>
         <source>placeholder_on_its_way</source>
         <translation>Esta parte de Velmora está en camino.</translation>
     </message>
+    <message id="a11y_province_list">
+        <source>a11y_province_list</source>
+        <translation>Provincias</translation>
+    </message>
 </context>
 </TS>

@@ -2,6 +2,7 @@
 
 #include "browse/BuscarViewController.h"
 #include "browse/PhoneNumbersViewController.h"
+#include "browse/ProvincesTableViewController.h"
 #include "catalogue/Restaurants.h"
 #include "presentation/PlaceholderViewController.h"
 #include "presentation/Storyboard.h"
@@ -28,13 +29,15 @@ void registerApplicationScenes()
 
     Storyboard::registerScene(QStringLiteral("Buscar"), QStringLiteral("search-view-controller"),
                               [](QObject *parent) -> ViewController * { return new BuscarViewController(Restaurants::shared(), parent); });
+    Storyboard::registerScene(QStringLiteral("Buscar"), QStringLiteral("provinces-view-controller"), [](QObject *parent) -> ViewController * {
+        return new ProvincesTableViewController(Restaurants::shared(), parent);
+    });
     Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("phone-numbers-vc"),
                               [](QObject *parent) -> ViewController * { return new PhoneNumbersViewController(parent); });
 
     using Place = PlaceholderViewController::Place;
     placeholder("Buscar", "descubre-view-controller", "search_discover", Place::Pushed);
     placeholder("Buscar", "offers-view-controller", "search_offers", Place::Pushed);
-    placeholder("Buscar", "provinces-view-controller", nullptr, Place::Presented);
     placeholder("Filtros", "filters-view-controller", "filters_title", Place::Presented);
     placeholder("Lugar", "lugar-view-controller", nullptr, Place::Pushed);
     placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);

@@ -1,6 +1,7 @@
 #include "BuscarViewController.h"
 
 #include "LugaresTableViewController.h"
+#include "ProvincesTableViewController.h"
 #include "app/AppDelegate.h"
 #include "app/DefaultKeys.h"
 #include "app/Globals.h"
@@ -371,12 +372,15 @@ void BuscarViewController::filter()
     emit searchFieldFocusReleased();
     if (NavigationController *navigation = navigationController())
         if (ViewController *panel = Storyboard::instantiate(QStringLiteral("Filtros"), QStringLiteral("filters-view-controller"), this))
-            navigation->presentViewController(panel, true);
+            navigation->presentViewController(panel, true, Presentation::fromRight(185, RichTextLayout::qcolor(Globals::filtersDimColor())));
 }
 
 void BuscarViewController::toggleProvinces()
 {
     if (NavigationController *navigation = navigationController())
-        if (ViewController *picker = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("provinces-view-controller"), this))
-            navigation->presentViewController(picker, true);
+        if (ViewController *picker = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("provinces-view-controller"), this)) {
+            if (auto *provinces = qobject_cast<ProvincesTableViewController *>(picker))
+                provinces->setDelegate(this);
+            navigation->presentViewController(picker, true, Presentation::fromTop());
+        }
 }

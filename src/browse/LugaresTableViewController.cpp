@@ -429,7 +429,7 @@ void LugaresTableViewController::showPhoneNumbersForId(int id)
         return;
     const QStringList numbers = m_restaurants.phones(id);
     sheet->setProperty("numbers", numbers);
-    navigation->presentViewController(sheet, true, 75.0 * numbers.size() + 50);
+    navigation->presentViewController(sheet, true, Presentation::bottomSheet(75.0 * numbers.size() + 50));
 }
 
 void LugaresTableViewController::setEditing(bool editing)

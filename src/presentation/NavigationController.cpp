@@ -62,13 +62,13 @@ void NavigationController::popToRootViewController(bool animated)
     changed(animated);
 }
 
-void NavigationController::presentViewController(ViewController *controller, bool animated, qreal height)
+void NavigationController::presentViewController(ViewController *controller, bool animated, const Presentation &presentation)
 {
     if (!controller)
         return;
     adopt(controller);
     m_presented = controller;
-    m_presentedHeight = height;
+    m_presentation = presentation;
     m_animated = animated;
     controller->viewWillAppear();
     emit presentationChanged();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Presentation.h"
 #include "ViewController.h"
 
 #include <QList>
@@ -7,7 +8,7 @@
 #include <QPointer>
 
 // A stack of screens, drawn by NavigationView.qml as a StackView under a navigation bar, and at
-// most one screen presented modally above it as a sheet rising from the bottom.
+// most one screen presented modally above it, coming in from the edge its presentation names.
 class NavigationController : public QObject
 {
     Q_OBJECT
@@ -17,6 +18,10 @@ class NavigationController : public QObject
     Q_PROPERTY(ViewController *topViewController READ topViewController NOTIFY stackChanged)
     Q_PROPERTY(ViewController *presentedViewController READ presentedViewController NOTIFY presentationChanged)
     Q_PROPERTY(bool lastChangeAnimated READ lastChangeAnimated NOTIFY stackChanged)
+    Q_PROPERTY(QString presentedEdge READ presentedEdge NOTIFY presentationChanged)
+    Q_PROPERTY(qreal presentedExtent READ presentedExtent NOTIFY presentationChanged)
+    Q_PROPERTY(QColor dimmingColor READ dimmingColor NOTIFY presentationChanged)
+    Q_PROPERTY(int presentationDuration READ presentationDuration NOTIFY presentationChanged)
 
 public:
     explicit NavigationController(QObject *parent = nullptr);
@@ -32,11 +37,15 @@ public:
     Q_INVOKABLE void popViewController(bool animated);
     Q_INVOKABLE void popToRootViewController(bool animated);
 
-    // A sheet of `height` logical pixels from the bottom (0: the whole screen) over a dimming
-    // colour; dismissing clears it.
-    void presentViewController(ViewController *controller, bool animated, qreal height = 0);
+    // Presents a screen over the stack as `presentation` says; dismissing clears it. A tap on
+    // the dimmed area, or a swipe towards the edge it came from, dismisses it.
+    void presentViewController(ViewController *controller, bool animated, const Presentation &presentation = Presentation::bottomSheet());
     Q_INVOKABLE void dismissViewController(bool animated);
-    Q_INVOKABLE qreal presentedHeight() const { return m_presentedHeight; }
+    const Presentation &presentation() const { return m_presentation; }
+    QString presentedEdge() const { return m_presentation.edgeName(); }
+    qreal presentedExtent() const { return m_presentation.extent; }
+    QColor dimmingColor() const { return m_presentation.dimming; }
+    int presentationDuration() const { return m_presentation.duration; }
 
 signals:
     void stackChanged();
@@ -49,6 +58,6 @@ private:
 
     QList<ViewController *> m_stack;
     QPointer<ViewController> m_presented;
-    qreal m_presentedHeight = 0;
+    Presentation m_presentation;
     bool m_animated = false;
 };

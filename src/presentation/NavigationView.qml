@@ -102,28 +102,47 @@ Item {
         clip: true
     }
 
-    // A presented screen: a sheet from the bottom over the dimmed stack.
+    // A presented screen over the dimmed stack, from the edge its presentation names: a sheet
+    // rising from the bottom, a screen dropping from the top, a panel sliding in from the right.
+    readonly property string edge: navigation.presentedEdge
+    readonly property int motion: navigation.lastChangeAnimated ? navigation.presentationDuration : 0
     Rectangle {
         id: dimming
+        objectName: "dimming"
         anchors.fill: parent
         z: 3
-        color: Theme.colors.filtersDimColor
+        color: root.navigation.dimmingColor
         opacity: sheet.item ? 1 : 0
         visible: opacity > 0
         Accessible.role: Accessible.Button
         Accessible.name: qsTrId("a11y_dim")
-        Behavior on opacity { NumberAnimation { duration: root.navigation.lastChangeAnimated ? 250 : 0 } }
-        MouseArea { anchors.fill: parent; onClicked: root.navigation.dismissViewController(true) }
+        Behavior on opacity { NumberAnimation { duration: root.motion } }
+        // A tap, or a swipe towards the edge the sheet came from, closes it.
+        MouseArea {
+            anchors.fill: parent
+            property point start
+            onPressed: (mouse) => start = Qt.point(mouse.x, mouse.y)
+            onReleased: (mouse) => {
+                const dx = mouse.x - start.x, dy = mouse.y - start.y
+                const tap = Math.abs(dx) < 10 && Math.abs(dy) < 10
+                const swipe = root.edge === "right" ? dx > 40 : root.edge === "top" ? dy < -40 : dy > 40
+                if (tap || swipe)
+                    root.navigation.dismissViewController(true)
+            }
+        }
     }
     Loader {
         id: sheet
         objectName: "presentedSheet"
         z: 4
-        width: parent.width
-        height: root.navigation.presentedViewController
-                ? (root.navigation.presentedHeight() > 0 ? root.navigation.presentedHeight() : root.height) : 0
-        y: item ? root.height - height : root.height
-        Behavior on y { NumberAnimation { duration: 250; easing.type: Easing.OutCubic } }
+        readonly property real extent: root.navigation.presentedExtent
+        readonly property bool shown: item !== null
+        width: root.edge === "right" ? (extent > 0 ? extent : root.width) : root.width
+        height: root.edge === "right" ? root.height : (extent > 0 ? extent : root.height)
+        x: root.edge === "right" ? (shown ? root.width - width : root.width) : 0
+        y: root.edge === "right" ? 0 : root.edge === "top" ? (shown ? 0 : -height) : (shown ? root.height - height : root.height)
+        Behavior on x { NumberAnimation { duration: root.motion; easing.type: Easing.OutCubic } }
+        Behavior on y { NumberAnimation { duration: root.motion; easing.type: Easing.OutCubic } }
         active: root.navigation.presentedViewController !== null
         source: active ? root.navigation.presentedViewController.viewUrl : ""
         onLoaded: item.controller = root.navigation.presentedViewController

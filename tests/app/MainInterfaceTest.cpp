@@ -182,3 +182,53 @@ TEST(MainInterface, AnOpenSwipeDoesNotOutliveItsRow)
     });
     EXPECT_TRUE(ui.item("sectionIndexArea")->property("enabled").toBool());
 }
+
+namespace {
+void tap(QQuickWindow *window, QQuickItem *item)
+{
+    QTest::mouseClick(window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
+}
+}
+
+// Catches: a title that doesn't open the picker when tapped, a picker that doesn't drop from the
+// top, a picked row that doesn't reach the search screen (title, list), and a picker title that
+// changes anything when it closes the picker.
+TEST(MainInterface, TheTitleDropsTheProvincePicker)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    const QString capital = ui.search()->provinceName();
+
+    tap(window, ui.item("provinceButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("provincesView") != nullptr; }, 2000));
+    QQuickItem *sheet = ui.item("presentedSheet");
+    EXPECT_LT(sheet->y(), 0.5) << "the picker comes from the top";
+    QTest::qWait(500);
+    EXPECT_EQ(sheet->y(), 0.0);
+    ui.save("provinces");
+    tap(window, ui.item("provincesTitle"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("provincesView") == nullptr; }, 2000));
+    EXPECT_EQ(ui.search()->provinceName(), capital);
+
+    tap(window, ui.item("provinceButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("provincesView") != nullptr; }, 2000));
+    QTest::qWait(500);
+    const int lastProvince = Restaurants::shared().provinces().lastKey();
+    const auto target = Restaurants::shared().province(lastProvince);
+    QQuickItem *row = ui.item(qPrintable(QStringLiteral("provinceRow-%1").arg(lastProvince)));
+    ASSERT_TRUE(row);
+    QQuickItem *provinceList = ui.item("provinceList");
+    // The row may lie below the fold: scroll it into view as a finger would.
+    while (row->mapToItem(provinceList, QPointF(0, row->height())).y() > provinceList->height()) {
+        provinceList->setProperty("contentY", provinceList->property("contentY").toReal() + 100);
+        QTest::qWait(20);
+    }
+    tap(window, row);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("provincesView") == nullptr; }, 2000));
+    EXPECT_EQ(ui.search()->provinceName(), target->name);
+    LugaresTableViewController *list = ui.search()->lugaresVC();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() == target->restaurants.size(); }, 5000))
+        << list->rows()->rowCount() << " of " << target->restaurants.size();
+    ui.save("provinces-picked");
+}
