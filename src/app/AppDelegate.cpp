@@ -1,10 +1,10 @@
 #include "app/AppDelegate.h"
 
-#include "app/DefaultKeys.h"
+#include "platform/DefaultKeys.h"
 #include "app/DeepLink.h"
 #include "app/LinkRouter.h"
 #include "browse/BuscarViewController.h"
-#include "app/Notifications.h"
+#include "platform/Notifications.h"
 #include "catalogue/LoadRestaurantsOperation.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
@@ -35,6 +35,8 @@ AppDelegate::AppDelegate(QObject *parent)
 
 AppDelegate::~AppDelegate()
 {
+    if (SideMenuPresenter::shared() == this)
+        SideMenuPresenter::setShared(nullptr);
     if (m_fileSharingQueue)
         m_fileSharingQueue->cancelAllOperations();
 }
@@ -44,6 +46,7 @@ AppDelegate *AppDelegate::global() { return globalDelegate.data(); }
 bool AppDelegate::didFinishLaunching()
 {
     globalDelegate = this;
+    SideMenuPresenter::setShared(this);
     // Screens render their styled text from the moment they are made, so the fonts come first.
     registerApplicationFonts();
 

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "app/SideDrawer.h"
+#include "presentation/SideMenuPresenter.h"
 
 class OperationQueue;
 class Restaurants;
@@ -15,7 +16,7 @@ class SideMenuViewController;
 // The application object: owns the long-lived services and decides which root the window shows.
 // The QML window renders `root`; every rule of the choice lives here, so tests check it without
 // a window.
-class AppDelegate : public QObject
+class AppDelegate : public QObject, public SideMenuPresenter
 {
     Q_OBJECT
     QML_ELEMENT
@@ -72,7 +73,7 @@ public:
     void openLink(const QString &link, bool animated = true);
 
     // Opens the drawer; harmless before the main interface exists.
-    Q_INVOKABLE void showSideMenu(bool animated);
+    Q_INVOKABLE void showSideMenu(bool animated) override;
 
 signals:
     void rootChanged();

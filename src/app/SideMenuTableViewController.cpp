@@ -1,7 +1,7 @@
 #include "SideMenuTableViewController.h"
 
-#include "app/DefaultKeys.h"
-#include "app/Notifications.h"
+#include "platform/DefaultKeys.h"
+#include "platform/Notifications.h"
 #include "app/SideMenuViewController.h"
 #include "platform/Dispatch.h"
 #include "platform/Localize.h"

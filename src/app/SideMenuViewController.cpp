@@ -1,8 +1,8 @@
 #include "SideMenuViewController.h"
 
 #include "app/AppDelegate.h"
-#include "app/DefaultKeys.h"
-#include "app/Notifications.h"
+#include "platform/DefaultKeys.h"
+#include "platform/Notifications.h"
 #include "app/SideDrawer.h"
 #include "platform/Dispatch.h"
 #include "platform/Localize.h"

@@ -2,10 +2,9 @@
 
 #include "LugaresTableViewController.h"
 #include "ProvincesTableViewController.h"
-#include "app/AppDelegate.h"
-#include "app/DefaultKeys.h"
+#include "platform/DefaultKeys.h"
 #include "app/Globals.h"
-#include "app/Notifications.h"
+#include "platform/Notifications.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
 #include "platform/Localize.h"
@@ -14,6 +13,7 @@
 #include "platform/UserDefaults.h"
 #include "presentation/BarButtonItem.h"
 #include "presentation/NavigationController.h"
+#include "presentation/SideMenuPresenter.h"
 #include "presentation/Storyboard.h"
 #include "richtext/IconFont.h"
 #include "richtext/RichTextLayout.h"
@@ -23,12 +23,7 @@ const QString discoverTab = QStringLiteral("discover");
 const QString placesTab = QStringLiteral("places");
 const QString offersTab = QStringLiteral("offers");
 
-QFont iconFont(double size)
-{
-    RunFont font = Globals::iconFont();
-    font.size = size;
-    return RichTextLayout::qfont(font);
-}
+QFont iconFont(double size) { return BarButtonItem::iconFont(size); }
 }
 
 BuscarViewController::BuscarViewController(Restaurants &restaurants, QObject *parent)
@@ -50,8 +45,8 @@ void BuscarViewController::viewDidLoad()
 {
     m_menuButton = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, iconFont(18), this);
     connect(m_menuButton, &BarButtonItem::triggered, this, [] {
-        if (AppDelegate *app = AppDelegate::global())
-            app->showSideMenu(true);
+        if (SideMenuPresenter *menu = SideMenuPresenter::shared())
+            menu->showSideMenu(true);
     });
     m_searchButton = new BarButtonItem(QStringLiteral("search"), IconFont::browseThin, iconFont(20), this);
     connect(m_searchButton, &BarButtonItem::triggered, this, &BuscarViewController::searchTapped);

@@ -1,7 +1,7 @@
 #include "ProvincesTableViewController.h"
 
 #include "ProvincesSelectorDelegate.h"
-#include "app/DefaultKeys.h"
+#include "platform/DefaultKeys.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
 #include "platform/Localize.h"

@@ -1,6 +1,6 @@
 #include "catalogue/LoadRestaurantsOperation.h"
 
-#include "app/Notifications.h"
+#include "platform/Notifications.h"
 #include "catalogue/Restaurants.h"
 #include "platform/NotificationCenter.h"
 

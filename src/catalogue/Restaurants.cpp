@@ -1,7 +1,7 @@
 #include "catalogue/Restaurants.h"
 
-#include "app/DefaultKeys.h"
-#include "app/Notifications.h"
+#include "platform/DefaultKeys.h"
+#include "platform/Notifications.h"
 #include "catalogue/CatalogueChecks.h"
 #include "catalogue/CatalogueDates.h"
 #include "catalogue/CatalogueFiles.h"

@@ -1,5 +1,15 @@
 #include "BarButtonItem.h"
 
+#include "richtext/FontRegistry.h"
+#include "richtext/IconFont.h"
+#include "richtext/RichTextLayout.h"
+
+QFont BarButtonItem::iconFont(double size)
+{
+    const auto face = FontRegistry::shared().face(IconFont::fontName);
+    return RichTextLayout::qfont(RunFont{IconFont::fontName, face.value_or(FontFace{IconFont::fontName}), size});
+}
+
 BarButtonItem::BarButtonItem(const QString &name, const QString &title, const QFont &font, QObject *parent)
     : QObject(parent)
     , m_title(title)

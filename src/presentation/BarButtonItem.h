@@ -19,6 +19,8 @@ class BarButtonItem : public QObject
 
 public:
     BarButtonItem(const QString &name, const QString &title, const QFont &font, QObject *parent = nullptr);
+    // The icon font at `size` points: most bar buttons are one glyph of it.
+    static QFont iconFont(double size);
 
     QString title() const { return m_title; }
     QFont font() const { return m_font; }

@@ -2,8 +2,7 @@
 
 #include "BarButtonItem.h"
 #include "NavigationController.h"
-#include "app/AppDelegate.h"
-#include "app/Globals.h"
+#include "SideMenuPresenter.h"
 #include "platform/Localize.h"
 #include "platform/NotificationCenter.h"
 #include "richtext/IconFont.h"
@@ -19,12 +18,12 @@ PlaceholderViewController::PlaceholderViewController(const char *titleKey, const
 
 void PlaceholderViewController::viewDidLoad()
 {
-    const QFont icons = RichTextLayout::qfont(Globals::iconFont());
+    const QFont icons = BarButtonItem::iconFont(18);
     if (m_place == Place::TopLevel) {
         auto *menu = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, icons, this);
         connect(menu, &BarButtonItem::triggered, this, [] {
-            if (AppDelegate *app = AppDelegate::global())
-                app->showSideMenu(true);
+            if (SideMenuPresenter *menu = SideMenuPresenter::shared())
+                menu->showSideMenu(true);
         });
         setLeftItems({menu});
     } else {

@@ -1,5 +1,5 @@
 #include "app/AppDelegate.h"
-#include "app/Notifications.h"
+#include "platform/Notifications.h"
 #include "app/SideDrawer.h"
 #include "app/SideMenuViewController.h"
 #include "fixtures/TestHome.h"

@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
-#include "app/DefaultKeys.h"
+#include "platform/DefaultKeys.h"
 #include "fixtures/QuickItems.h"
 #include "fixtures/TestHome.h"
 #include "platform/Localize.h"

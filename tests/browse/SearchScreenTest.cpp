@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/Globals.h"
 #include "app/Scenes.h"
-#include "app/Notifications.h"
+#include "platform/Notifications.h"
 #include "browse/BuscarViewController.h"
 #include "fixtures/TestHome.h"
 #include "platform/NotificationCenter.h"

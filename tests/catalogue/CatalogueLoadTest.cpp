@@ -1,4 +1,4 @@
-#include "app/Notifications.h"
+#include "platform/Notifications.h"
 #include "catalogue/LoadRestaurantsOperation.h"
 #include "fixtures/TestHome.h"
 #include "platform/NotificationCenter.h"

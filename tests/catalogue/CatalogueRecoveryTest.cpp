@@ -1,4 +1,4 @@
-#include "app/Notifications.h"
+#include "platform/Notifications.h"
 #include "fixtures/TestHome.h"
 #include "platform/Database.h"
 #include "platform/DerivedKeys.h"

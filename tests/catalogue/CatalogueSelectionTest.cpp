@@ -1,4 +1,4 @@
-#include "app/DefaultKeys.h"
+#include "platform/DefaultKeys.h"
 #include "fixtures/TestHome.h"
 #include "platform/DerivedKeys.h"
 #include "platform/Database.h"

@@ -1,4 +1,4 @@
-#include "app/DefaultKeys.h"
+#include "platform/DefaultKeys.h"
 #include "platform/UserDefaults.h"
 
 #include <QSignalSpy>
