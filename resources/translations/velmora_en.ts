@@ -591,5 +591,17 @@ It opens by itself as soon as it is there.</translation>
         <source>a11y_province_list</source>
         <translation>Provinces</translation>
     </message>
+    <message id="filters_page_location">
+        <source>filters_page_location</source>
+        <translation>Area</translation>
+    </message>
+    <message id="filters_page_cuisines">
+        <source>filters_page_cuisines</source>
+        <translation>Cuisine</translation>
+    </message>
+    <message id="filters_page_price">
+        <source>filters_page_price</source>
+        <translation>Price</translation>
+    </message>
 </context>
 </TS>

@@ -591,5 +591,17 @@ Se abrirá solo en cuanto esté allí.</translation>
         <source>a11y_province_list</source>
         <translation>Provincias</translation>
     </message>
+    <message id="filters_page_location">
+        <source>filters_page_location</source>
+        <translation>Zona</translation>
+    </message>
+    <message id="filters_page_cuisines">
+        <source>filters_page_cuisines</source>
+        <translation>Cocina</translation>
+    </message>
+    <message id="filters_page_price">
+        <source>filters_page_price</source>
+        <translation>Precio</translation>
+    </message>
 </context>
 </TS>

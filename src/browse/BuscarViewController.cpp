@@ -1,5 +1,6 @@
 #include "BuscarViewController.h"
 
+#include "FiltersViewController.h"
 #include "LugaresTableViewController.h"
 #include "ProvincesTableViewController.h"
 #include "platform/DefaultKeys.h"
@@ -366,8 +367,13 @@ void BuscarViewController::filter()
     // The panel edits lastFilters and answers through filtersChanged().
     emit searchFieldFocusReleased();
     if (NavigationController *navigation = navigationController())
-        if (ViewController *panel = Storyboard::instantiate(QStringLiteral("Filtros"), QStringLiteral("filters-view-controller"), this))
+        if (ViewController *panel = Storyboard::instantiate(QStringLiteral("Filtros"), QStringLiteral("filters-view-controller"), this)) {
+            if (auto *filters = qobject_cast<FiltersViewController *>(panel)) {
+                filters->setFilters(m_lastFilters);
+                filters->setDelegate(this);
+            }
             navigation->presentViewController(panel, true, Presentation::fromRight(185, RichTextLayout::qcolor(Globals::filtersDimColor())));
+        }
 }
 
 void BuscarViewController::toggleProvinces()

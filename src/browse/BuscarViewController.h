@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Filters.h"
+#include "FiltersDelegate.h"
 #include "ProvincesSelectorDelegate.h"
 #include "presentation/ViewController.h"
 #include "richtext/AttributedString.h"
@@ -21,7 +22,7 @@ class Restaurants;
 // The main screen: tabs for the discover feed, the place list and the offers of the current
 // province; the province's name as the title; and the search bar that combines free text with
 // the saved filters. Filters apply only while the search bar is open.
-class BuscarViewController : public ViewController, public ProvincesSelectorDelegate
+class BuscarViewController : public ViewController, public ProvincesSelectorDelegate, public FiltersDelegate
 {
     Q_OBJECT
     QML_ELEMENT
@@ -85,7 +86,7 @@ public:
     BarButtonItem *filterButton() const { return m_filterButton; }
     void updateFilterButtonColor();
     // From the filters panel and the province picker.
-    void filtersChanged(const Filters &filters);
+    void filtersChanged(const Filters &filters) override;
     void provinceSelected(int id, bool keepFilters) override;
 
     void reloadRestaurants();

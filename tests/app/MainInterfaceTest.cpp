@@ -232,3 +232,41 @@ TEST(MainInterface, TheTitleDropsTheProvincePicker)
         << list->rows()->rowCount() << " of " << target->restaurants.size();
     ui.save("provinces-picked");
 }
+
+// Catches: a filter button that doesn't open the panel when tapped, a panel that doesn't slide
+// in from the right with its width, a tick that doesn't narrow the list at once, a tap on the
+// dimmed list that doesn't close the panel, and a filter button left white with filters on.
+TEST(MainInterface, TheFilterButtonSlidesInThePanel)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    LugaresTableViewController *list = ui.search()->lugaresVC();
+    const int all = list->rows()->rowCount();
+
+    tap(window, ui.item("barButton-search"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-filter") != nullptr; }, 2000));
+    tap(window, ui.item("barButton-filter"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("filtersView") != nullptr; }, 2000));
+    QTest::qWait(500);
+    QQuickItem *sheet = ui.item("presentedSheet");
+    EXPECT_EQ(sheet->width(), 185.0);
+    EXPECT_EQ(sheet->x(), window->width() - 185.0);
+
+    // The cuisines page, then its first cuisine.
+    tap(window, ui.item("filtersPage-1"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.search()->lastFilters().cuisines.isEmpty() && ui.item("filterRow-1"); }, 2000));
+    tap(window, ui.item("filterRow-1"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.search()->lastFilters().cuisines.size() == 1; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() > 0 && list->rows()->rowCount() < all; }, 5000))
+        << list->rows()->rowCount() << " of " << all;
+    EXPECT_TRUE(ui.item("filtersDot-1")->isVisible());
+    ui.save("filters");
+
+    // A tap on the dimmed list closes the panel and keeps the filter.
+    QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(40, 400));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("filtersView") == nullptr; }, 2000));
+    EXPECT_EQ(ui.search()->lastFilters().cuisines.size(), 1);
+    const QObject *button = ui.item("barButton-filter")->property("item").value<QObject *>();
+    EXPECT_NE(button->property("tintColor").value<QColor>(), QColor(Qt::white)) << "the filter button shows filters are on";
+}
