@@ -1,5 +1,7 @@
 #include "FilterPages.h"
 
+#include "platform/Localize.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -11,12 +13,13 @@ FilterTableViewController::FilterTableViewController(const QMap<int, QString> &e
     , m_selected(selected)
 {
     // By name in the user's language; an id without a name goes after all the others.
-    std::stable_sort(m_entriesList.begin(), m_entriesList.end(), [this](int a, int b) {
+    const QCollator collator = Localize::collator();
+    std::stable_sort(m_entriesList.begin(), m_entriesList.end(), [&](int a, int b) {
         const QString &first = m_entries[a];
         const QString &second = m_entries[b];
         if (first.isEmpty() != second.isEmpty())
             return second.isEmpty();
-        return QString::localeAwareCompare(first, second) < 0;
+        return collator.compare(first, second) < 0;
     });
 }
 

@@ -8,8 +8,6 @@
 #include "platform/UserDefaults.h"
 #include "presentation/NavigationController.h"
 
-#include <QCollator>
-#include <QLocale>
 
 #include <algorithm>
 
@@ -23,7 +21,7 @@ void ProvincesTableViewController::viewDidLoad()
 {
     const auto provinces = m_restaurants.provinces();
     // By name as the user's language orders it: "Ávila" sits among the A's, not after "Zamora".
-    QCollator collator(QLocale(Localize::currentLanguage()));
+    const QCollator collator = Localize::collator();
     m_provinceIds = provinces.keys();
     std::stable_sort(m_provinceIds.begin(), m_provinceIds.end(),
                      [&](int a, int b) { return collator.compare(provinces.value(a)->name, provinces.value(b)->name) < 0; });

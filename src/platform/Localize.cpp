@@ -100,6 +100,8 @@ QString Localize::defaultLanguage()
     return QStringLiteral("en");
 }
 
+QCollator Localize::collator() { return QCollator(QLocale(currentLanguage())); }
+
 void Localize::loadCurrentLanguage()
 {
     Catalogues::shared().install(currentLanguage());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCollator>
 #include <QString>
 #include <QStringList>
 
@@ -14,6 +15,8 @@ public:
     static QStringList availableLanguages();
     // The chosen language, or the device's default when none was chosen.
     static QString currentLanguage();
+    // Orders names as a reader of the current language expects ("Ávila" among the A's).
+    static QCollator collator();
     // Stores the code, installs its texts, then posts the change notification.
     static void setCurrentLanguage(const QString &code);
     // The first of the device's preferred languages that the app has, else "en".
