@@ -603,5 +603,9 @@ It opens by itself as soon as it is there.</translation>
         <source>filters_page_price</source>
         <translation>Price</translation>
     </message>
+    <message id="offers_none_today">
+        <source>offers_none_today</source>
+        <translation>No offers today in this province.</translation>
+    </message>
 </context>
 </TS>

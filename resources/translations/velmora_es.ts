@@ -603,5 +603,9 @@ Se abrirá solo en cuanto esté allí.</translation>
         <source>filters_page_price</source>
         <translation>Precio</translation>
     </message>
+    <message id="offers_none_today">
+        <source>offers_none_today</source>
+        <translation>Hoy no hay ofertas en esta provincia.</translation>
+    </message>
 </context>
 </TS>

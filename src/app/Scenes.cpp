@@ -2,6 +2,7 @@
 
 #include "browse/BuscarViewController.h"
 #include "browse/FiltersViewController.h"
+#include "browse/OfertasTableViewController.h"
 #include "browse/PhoneNumbersViewController.h"
 #include "browse/ProvincesTableViewController.h"
 #include "catalogue/Restaurants.h"
@@ -36,12 +37,14 @@ void registerApplicationScenes()
     Storyboard::registerScene(QStringLiteral("Filtros"), QStringLiteral("filters-view-controller"), [](QObject *parent) -> ViewController * {
         return new FiltersViewController(Restaurants::shared(), parent);
     });
+    Storyboard::registerScene(QStringLiteral("Buscar"), QStringLiteral("offers-view-controller"), [](QObject *parent) -> ViewController * {
+        return new OfertasTableViewController(Restaurants::shared(), parent);
+    });
     Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("phone-numbers-vc"),
                               [](QObject *parent) -> ViewController * { return new PhoneNumbersViewController(parent); });
 
     using Place = PlaceholderViewController::Place;
     placeholder("Buscar", "descubre-view-controller", "search_discover", Place::Pushed);
-    placeholder("Buscar", "offers-view-controller", "search_offers", Place::Pushed);
     placeholder("Lugar", "lugar-view-controller", nullptr, Place::Pushed);
     placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);
     placeholder("Main", "my-places-view-controller", "myplaces_title", Place::TopLevel);

@@ -2,6 +2,7 @@
 
 #include "FiltersViewController.h"
 #include "LugaresTableViewController.h"
+#include "OfertasTableViewController.h"
 #include "ProvincesTableViewController.h"
 #include "platform/DefaultKeys.h"
 #include "app/Globals.h"
@@ -60,7 +61,8 @@ void BuscarViewController::viewDidLoad()
 
     m_descubreVC = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("descubre-view-controller"), this);
     m_lugaresVC = new LugaresTableViewController(m_restaurants, this);
-    m_ofertasVC = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("offers-view-controller"), this);
+    // Made here, on this screen's catalogue, like the place list.
+    m_ofertasVC = new OfertasTableViewController(m_restaurants, this);
     for (ViewController *child : {static_cast<ViewController *>(m_descubreVC), static_cast<ViewController *>(m_lugaresVC),
                                   static_cast<ViewController *>(m_ofertasVC)})
         if (child)

@@ -1,5 +1,6 @@
 #include "LugaresTableViewController.h"
 
+#include "PlaceCards.h"
 #include "app/Globals.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
@@ -402,21 +403,7 @@ void LugaresTableViewController::didSelectRow(int row)
 
 bool LugaresTableViewController::showPlace(int id, bool animated)
 {
-    NavigationController *navigation = navigationController();
-    const auto info = id >= 0 ? m_restaurants.restaurantInfo(id) : std::nullopt;
-    if (!navigation || !info)
-        return false;
-    ViewController *card = Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("lugar-view-controller"), this);
-    if (!card)
-        return false;
-    card->setTitle(info->name);
-    // Until the card lands, its stand-in says where the place is and how to call it.
-    QStringList details{info->address};
-    details += m_restaurants.phones(id);
-    details.removeAll(QString());
-    card->setProperty("message", details.join(QLatin1Char('\n')));
-    navigation->pushViewController(card, animated);
-    return true;
+    return showPlaceCard(navigationController(), m_restaurants, id, this, animated);
 }
 
 void LugaresTableViewController::showPhoneNumbersForId(int id)

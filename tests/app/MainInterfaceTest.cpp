@@ -270,3 +270,30 @@ TEST(MainInterface, TheFilterButtonSlidesInThePanel)
     const QObject *button = ui.item("barButton-filter")->property("item").value<QObject *>();
     EXPECT_NE(button->property("tintColor").value<QColor>(), QColor(Qt::white)) << "the filter button shows filters are on";
 }
+
+// Catches: an offers tab that doesn't show when tapped, offers that a tap doesn't open, and a
+// back button that doesn't return to the tab.
+TEST(MainInterface, TheOffersTabListsTodaysOffers)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    QQuickItem *offersTab = ui.itemWhere([](QQuickItem *item) {
+        const QObject *attached = nullptr;
+        for (QObject *child : item->children())
+            if (qstrcmp(child->metaObject()->className(), "QQuickAccessibleAttached") == 0)
+                attached = child;
+        return attached && attached->property("name").toString() == QStringLiteral("Offers tab");
+    });
+    ASSERT_TRUE(offersTab) << "the capital of the demo has offers";
+    tap(window, offersTab);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("offerRow-1") && ui.item("offerRow-1")->isVisible(); }, 3000));
+    ui.save("offers");
+    tap(window, ui.item("offerRow-1"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 2; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("offersPlaceCard") && ui.item("offersPlaceCard")->isVisible(); }, 2000));
+    QTest::qWait(400);
+    ui.save("offers-place");
+    tap(window, ui.item("barButton-back"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 1; }, 2000));
+}

@@ -1,0 +1,130 @@
+#include "OfertasTableViewController.h"
+
+#include "PlaceCards.h"
+#include "catalogue/Restaurants.h"
+#include "platform/DefaultKeys.h"
+#include "platform/Localize.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Notifications.h"
+#include "platform/UserDefaults.h"
+#include "presentation/BarButtonItem.h"
+#include "presentation/NavigationController.h"
+#include "richtext/IconFont.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <cmath>
+
+OfertasTableViewController::OfertasTableViewController(Restaurants &restaurants, QObject *parent)
+    : ViewController(parent)
+    , m_restaurants(restaurants)
+    , R({QStringLiteral("p { font-name: OpenSans; font-size: 12; }"), QStringLiteral("b { font-name: OpenSans-Bold; }"),
+         QStringLiteral("price-notice { font-name: OpenSans-BoldItalic; font-size: 13; color: #b2a489; }"),
+         QStringLiteral("back-icon { font-name: Velmora-Icons; font-size: 18; color: #ffffff; baseline-offset: -1.5; }"),
+         QStringLiteral("back-text { font-name: OpenSans-Semibold; font-size: 11; color: #ffffff; }")})
+{
+}
+
+void OfertasTableViewController::viewDidLoad()
+{
+    if (restaurantMode()) {
+        auto *back = new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "), BarButtonItem::iconFont(18), this);
+        connect(back, &BarButtonItem::triggered, this, &OfertasTableViewController::close);
+        setLeftItems({back});
+    }
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    center.addObserver(this, Localize::changeNotification, [this](const QVariant &) {
+        setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
+        reloadOffers();
+    });
+    center.addObserver(this, Notifications::VelmoraReloadRestaurants, [this](const QVariant &) { reloadOffers(); });
+    center.addObserver(this, Notifications::RestaurantsDidReload, [this](const QVariant &) { reloadOffers(); });
+    setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
+    reloadOffers();
+}
+
+void OfertasTableViewController::loadOffers()
+{
+    const int province = UserDefaults::standard().integerForKey(DefaultKeys::province);
+    QList<Oferta> list = m_restaurants.offers(province, rid);
+    std::stable_sort(list.begin(), list.end(), [](const Oferta &a, const Oferta &b) { return a.rid < b.rid; });
+    m_ofertas.clear();
+    // Shown from the first instant of valid_from to the instant of valid_to, judged at each load.
+    const QDateTime now = QDateTime::currentDateTime();
+    QList<Oferta> group;
+    std::optional<int> previous;
+    for (const Oferta &offer : list) {
+        if ((offer.valid_from.isValid() && offer.valid_from > now) || (offer.valid_to.isValid() && offer.valid_to < now))
+            continue;
+        // Groups change on the place's id, so two places of the same name stay two sections.
+        if (previous && *previous != offer.rid && !group.isEmpty()) {
+            m_ofertas.append({group.last().rest_name, group});
+            group.clear();
+        }
+        group.append(offer);
+        previous = offer.rid;
+    }
+    if (!group.isEmpty())
+        m_ofertas.append({group.last().rest_name, group});
+}
+
+std::pair<QString, QString> OfertasTableViewController::priceParts(double price)
+{
+    if (!(price > 0))
+        return {};
+    const qint64 whole = qint64(price);
+    const int cents = int(std::fmod(std::round(price * 100), 100.0));
+    return {QString::number(whole) + QLatin1Char('.'), QStringLiteral("%1").arg(cents, 2, 10, QLatin1Char('0'))};
+}
+
+void OfertasTableViewController::reloadOffers()
+{
+    loadOffers();
+    m_rows.clear();
+    if (restaurantMode()) {
+        const auto brief = m_restaurants.brief(rid);
+        m_rows.append(QVariantMap{{QStringLiteral("kind"), QStringLiteral("card")},
+                                  {QStringLiteral("rid"), rid},
+                                  {QStringLiteral("name"), brief ? brief->name : QString()},
+                                  {QStringLiteral("address"), brief ? brief->address : QString()},
+                                  {QStringLiteral("inert"), inertRestCard}});
+    }
+    for (const auto &[title, offers] : m_ofertas) {
+        m_rows.append(QVariantMap{{QStringLiteral("kind"), QStringLiteral("header")}, {QStringLiteral("title"), title.toUpper()}});
+        for (const Oferta &offer : offers) {
+            const auto [whole, cents] = priceParts(offer.price);
+            const QString markup = QStringLiteral("<body><p><b><![CDATA[%1]]></b> / <![CDATA[%2]]></p></body>").arg(offer.name, offer.description);
+            m_rows.append(QVariantMap{{QStringLiteral("kind"), QStringLiteral("offer")},
+                                      {QStringLiteral("rid"), offer.rid},
+                                      {QStringLiteral("text"), QVariant::fromValue(R.render(markup))},
+                                      {QStringLiteral("spoken"), offer.name + QStringLiteral(". ") + offer.description},
+                                      {QStringLiteral("whole"), whole},
+                                      {QStringLiteral("cents"), cents}});
+        }
+    }
+    emit rowsChanged();
+}
+
+void OfertasTableViewController::didSelectRow(int row)
+{
+    const QVariantMap item = m_rows.value(row).toMap();
+    const QString kind = item.value(QStringLiteral("kind")).toString();
+    NavigationController *navigation = navigationController();
+    if (!navigation)
+        return;
+    if (!restaurantMode() && kind == QLatin1String("offer")) {
+        // The place's own offers, under its card.
+        auto *place = new OfertasTableViewController(m_restaurants, parent() ? parent() : this);
+        place->rid = item.value(QStringLiteral("rid")).toInt();
+        navigation->pushViewController(place, true);
+    } else if (restaurantMode() && kind == QLatin1String("card") && !inertRestCard) {
+        showPlaceCard(navigation, m_restaurants, rid, this, true);
+    }
+}
+
+void OfertasTableViewController::close()
+{
+    if (NavigationController *navigation = navigationController())
+        navigation->popViewController(true);
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "catalogue/Records.h"
+#include "presentation/ViewController.h"
+#include "richtext/RichString.h"
+
+#include <QVariantList>
+
+class Restaurants;
+
+// The offers valid now. As the search screen's third tab (`rid` -1) it lists the province's
+// offers, one section per place; pushed for one place it shows that place on top, then its
+// offers.
+class OfertasTableViewController : public ViewController
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made through the Storyboard registry")
+    Q_PROPERTY(QVariantList rows READ rows NOTIFY rowsChanged)
+    Q_PROPERTY(bool restaurantMode READ restaurantMode CONSTANT)
+
+public:
+    explicit OfertasTableViewController(Restaurants &restaurants, QObject *parent = nullptr);
+
+    QUrl viewUrl() const override { return QUrl(QStringLiteral("qrc:/Velmora/browse/OffersView.qml")); }
+
+    // Set before the screen loads by whoever pushes it.
+    int rid = -1;
+    bool inertRestCard = false;
+    bool restaurantMode() const { return rid != -1; }
+
+    // Sections of (title, offers), in the order of the places' ids.
+    const QList<std::pair<QString, QList<Oferta>>> &ofertas() const { return m_ofertas; }
+    // Flat rows for the view: {"kind": "card" | "header" | "offer", ...}.
+    QVariantList rows() const { return m_rows; }
+    void loadOffers();
+    Q_INVOKABLE void didSelectRow(int row);
+    Q_INVOKABLE void close();
+
+    // A price as the cell draws it: the whole part with its point, and the cents on their own
+    // ("7." and "50" for 7.5); both empty for no price.
+    static std::pair<QString, QString> priceParts(double price);
+
+signals:
+    void rowsChanged();
+
+protected:
+    void viewDidLoad() override;
+
+private:
+    void reloadOffers();
+
+    Restaurants &m_restaurants;
+    RichString R;
+    QList<std::pair<QString, QList<Oferta>>> m_ofertas;
+    QVariantList m_rows;
+};
