@@ -44,7 +44,6 @@ void registerApplicationScenes()
                               [](QObject *parent) -> ViewController * { return new PhoneNumbersViewController(parent); });
 
     using Place = PlaceholderViewController::Place;
-    placeholder("Buscar", "descubre-view-controller", "search_discover", Place::Pushed);
     placeholder("Lugar", "lugar-view-controller", nullptr, Place::Pushed);
     placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);
     placeholder("Main", "my-places-view-controller", "myplaces_title", Place::TopLevel);

@@ -1,6 +1,7 @@
 #include "BuscarViewController.h"
 
 #include "FiltersViewController.h"
+#include "DescubreTableViewController.h"
 #include "LugaresTableViewController.h"
 #include "OfertasTableViewController.h"
 #include "ProvincesTableViewController.h"
@@ -59,7 +60,7 @@ void BuscarViewController::viewDidLoad()
     setLeftItems({m_menuButton});
     setRightItems({m_searchButton});
 
-    m_descubreVC = Storyboard::instantiate(QStringLiteral("Buscar"), QStringLiteral("descubre-view-controller"), this);
+    m_descubreVC = new DescubreTableViewController(m_restaurants, this);
     m_lugaresVC = new LugaresTableViewController(m_restaurants, this);
     // Made here, on this screen's catalogue, like the place list.
     m_ofertasVC = new OfertasTableViewController(m_restaurants, this);

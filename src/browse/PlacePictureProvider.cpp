@@ -13,10 +13,20 @@ QImage PlacePictureProvider::requestImage(const QString &id, QSize *size, const 
     QImage image;
     bool ok = false;
     const int placeId = parts.value(1).toInt(&ok);
-    if (parts.value(0) == QLatin1String("profile") && ok)
+    const QString kind = parts.value(0);
+    if (ok && kind == QLatin1String("profile"))
         image = QImage::fromData(Restaurants::shared().profileImage(placeId));
-    if (!image.isNull() && requestedSize.isValid())
+    else if (ok && kind == QLatin1String("promo"))
+        image = QImage::fromData(Restaurants::shared().promoImage(placeId));
+    else if (ok && kind == QLatin1String("ad"))
+        image = QImage::fromData(Restaurants::shared().adImage(placeId));
+    // A view may ask for one side only (the other 0): the picture keeps its proportions.
+    if (!image.isNull() && requestedSize.width() > 0 && requestedSize.height() > 0)
         image = image.scaled(requestedSize, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+    else if (!image.isNull() && requestedSize.width() > 0)
+        image = image.scaledToWidth(requestedSize.width(), Qt::SmoothTransformation);
+    else if (!image.isNull() && requestedSize.height() > 0)
+        image = image.scaledToHeight(requestedSize.height(), Qt::SmoothTransformation);
     if (size)
         *size = image.size();
     return image;

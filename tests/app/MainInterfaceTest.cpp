@@ -297,3 +297,22 @@ TEST(MainInterface, TheOffersTabListsTodaysOffers)
     tap(window, ui.item("barButton-back"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 1; }, 2000));
 }
+
+// Catches: a discover tab that a tap doesn't show, a feed without pictures or ads, and a promoted
+// place that a tap doesn't open.
+TEST(MainInterface, TheDiscoverTabShowsThePromotedPlaces)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_EQ(ui.search()->tabs().first(), QStringLiteral("discover")) << "the demo's capital has promotions";
+    QQuickItem *tabBar = ui.item("tabBar");
+    QTest::mouseClick(window, Qt::LeftButton, {}, tabBar->mapToScene(QPointF(tabBar->width() / 6, tabBar->height() / 2)).toPoint());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("promoRow-0") && ui.item("promoRow-0")->isVisible(); }, 3000));
+    QTest::qWait(600); // pictures load in the background
+    ui.save("discover");
+    EXPECT_TRUE(ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("adRow-")); }))
+        << "an ad follows the second promotion";
+    tap(window, ui.item("promoRow-0"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 2; }, 2000));
+}

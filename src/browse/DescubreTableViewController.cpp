@@ -1,0 +1,93 @@
+#include "DescubreTableViewController.h"
+
+#include "AdActions.h"
+#include "PlaceCards.h"
+#include "catalogue/Restaurants.h"
+#include "platform/DefaultKeys.h"
+#include "platform/Localize.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Notifications.h"
+#include "platform/UserDefaults.h"
+#include "richtext/IconFont.h"
+
+#include <algorithm>
+
+DescubreTableViewController::DescubreTableViewController(Restaurants &restaurants, QObject *parent)
+    : ViewController(parent)
+    , m_restaurants(restaurants)
+    , R({QStringLiteral("p { font-name: OpenSans; font-size: 12; } i { font-name: Velmora-Icons; font-size: 14; }b { font-name: OpenSans-Bold; }")})
+{
+}
+
+void DescubreTableViewController::viewDidLoad()
+{
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    for (const QString &name : {Localize::changeNotification, Notifications::VelmoraReloadRestaurants, Notifications::RestaurantsDidReload})
+        center.addObserver(this, name, [this](const QVariant &) { reload(); });
+    reload();
+}
+
+QList<DescubreTableViewController::DiscoverRow> DescubreTableViewController::mix(int promoCount, int adCount)
+{
+    QList<DiscoverRow> rows;
+    int ad = 0;
+    for (int promo = 0; promo < promoCount; ++promo) {
+        rows.append({DiscoverRow::Kind::promo, promo});
+        if ((promo + 1) % 2 == 0 && ad < adCount)
+            rows.append({DiscoverRow::Kind::ad, ad++});
+    }
+    while (ad < adCount)
+        rows.append({DiscoverRow::Kind::ad, ad++});
+    return rows;
+}
+
+double DescubreTableViewController::parallaxFactor(double offset, double frameHeight, double contentHeight)
+{
+    if (frameHeight >= contentHeight)
+        return -0.5;
+    return std::clamp(offset / (contentHeight - frameHeight), 0.0, 1.0) - 0.5;
+}
+
+void DescubreTableViewController::reload()
+{
+    setTitle(qtTrId("search_discover"));
+    // The promotions come shuffled from the catalogue: the order changes from one load to the next.
+    m_promos = m_restaurants.promos(UserDefaults::standard().integerForKey(DefaultKeys::province));
+    m_ads = m_restaurants.ads();
+    m_rows = mix(int(m_promos.size()), int(m_ads.size()));
+    m_items.clear();
+    for (const DiscoverRow &row : m_rows) {
+        if (row.kind == DiscoverRow::Kind::ad) {
+            const Ad &ad = m_ads.at(row.index);
+            m_items.append(QVariantMap{{QStringLiteral("kind"), QStringLiteral("ad")},
+                                       {QStringLiteral("picture"), QStringLiteral("image://places/ad/%1").arg(ad.image_id)},
+                                       {QStringLiteral("badge"), qtTrId("discover_ad_badge")}});
+            continue;
+        }
+        const Promo &promo = m_promos.at(row.index);
+        const auto brief = m_restaurants.brief(promo.rid);
+        const QString cuisine = brief && !brief->cuisines.isEmpty() ? brief->cuisines.first() : QString();
+        const QString subtitle = QStringLiteral("<body><p><i>%1</i> <b><![CDATA[%2 / ]]></b><![CDATA[%3]]></p></body>")
+                                     .arg(IconFont::location, cuisine, brief ? brief->address : QString());
+        m_items.append(QVariantMap{{QStringLiteral("kind"), QStringLiteral("promo")},
+                                   {QStringLiteral("rid"), promo.rid},
+                                   {QStringLiteral("picture"), QStringLiteral("image://places/promo/%1").arg(promo.promo_id)},
+                                   {QStringLiteral("name"), brief ? brief->name : QString()},
+                                   {QStringLiteral("subtitle"), QVariant::fromValue(R.render(subtitle))},
+                                   {QStringLiteral("spoken"), (brief ? brief->name : QString()) + QStringLiteral(". ") + cuisine},
+                                   {QStringLiteral("badge"), qtTrId("discover_promo_badge")}});
+    }
+    emit rowsChanged();
+}
+
+void DescubreTableViewController::didSelectRow(int row)
+{
+    if (row < 0 || row >= m_rows.size())
+        return;
+    const DiscoverRow &tapped = m_rows.at(row);
+    if (tapped.kind == DiscoverRow::Kind::promo) {
+        showPlaceCard(navigationController(), m_restaurants, m_promos.at(tapped.index).rid, this, true);
+        return;
+    }
+    AdActions::performAdAction(m_ads.at(tapped.index), [this](const QString &tip) { emit tipRequested(tip); });
+}

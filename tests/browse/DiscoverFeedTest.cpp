@@ -1,0 +1,74 @@
+#include "browse/AdActions.h"
+#include "browse/DescubreTableViewController.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+QString shape(const QList<DescubreTableViewController::DiscoverRow> &rows)
+{
+    QStringList parts;
+    for (const auto &row : rows)
+        parts.append((row.kind == DescubreTableViewController::DiscoverRow::Kind::promo ? QStringLiteral("P") : QStringLiteral("A"))
+                     + QString::number(row.index));
+    return parts.join(QLatin1Char(' '));
+}
+
+Ad ad(const char *type, const QString &value)
+{
+    Ad result;
+    result.ad_id = 7;
+    result.type = QString::fromLatin1(type);
+    result.value = value;
+    return result;
+}
+}
+
+// Catches: ads placed after every promo or none, ads dropped when promos run out, and an empty
+// feed without its ads.
+TEST(DiscoverFeed, AnAdAfterEverySecondPromo)
+{
+    using D = DescubreTableViewController;
+    EXPECT_EQ(shape(D::mix(5, 4)), QStringLiteral("P0 P1 A0 P2 P3 A1 P4 A2 A3"));
+    EXPECT_EQ(shape(D::mix(1, 3)), QStringLiteral("P0 A0 A1 A2"));
+    EXPECT_EQ(shape(D::mix(2, 1)), QStringLiteral("P0 P1 A0"));
+    EXPECT_EQ(shape(D::mix(3, 1)), QStringLiteral("P0 P1 A0 P2"));
+    EXPECT_EQ(shape(D::mix(0, 2)), QStringLiteral("A0 A1"));
+    EXPECT_EQ(shape(D::mix(0, 0)), QString());
+
+    EXPECT_EQ(D::parallaxFactor(100, 800, 600), -0.5) << "a feed shorter than the screen";
+    EXPECT_EQ(D::parallaxFactor(0, 800, 1600), -0.5);
+    EXPECT_EQ(D::parallaxFactor(400, 800, 1600), 0.0);
+    EXPECT_EQ(D::parallaxFactor(2000, 800, 1600), 0.5);
+}
+
+// Catches: an action read from anything but its exact type, a subject with raw blanks, a bad
+// value opening something, and a tip opening a URL instead of the sheet.
+TEST(DiscoverFeed, AdActionsOpenWhatTheirTypeSays)
+{
+    using AdActions::urlFor;
+    EXPECT_EQ(urlFor(ad("url", QStringLiteral("https://velmora.example/menu")), {}), QUrl(QStringLiteral("https://velmora.example/menu")));
+    EXPECT_EQ(urlFor(ad("call", QStringLiteral("+5378671374")), {}), QUrl(QStringLiteral("tel:+5378671374")));
+    EXPECT_EQ(urlFor(ad("email", QStringLiteral("hola@velmora.example")), QStringLiteral("About your ad")),
+              QUrl(QStringLiteral("mailto:hola@velmora.example?subject=About%20your%20ad")));
+    EXPECT_FALSE(urlFor(ad("URL", QStringLiteral("https://velmora.example")), {}));
+    EXPECT_FALSE(urlFor(ad("url", QStringLiteral("not a url")), {}));
+    EXPECT_FALSE(urlFor(ad("url", QString()), {}));
+    EXPECT_FALSE(urlFor(ad("banner", QStringLiteral("https://velmora.example")), {}));
+    EXPECT_FALSE(urlFor(ad("tip", QStringLiteral("Try the flan")), {}));
+
+    // The platform's URL handler stands in for the phone's: what it was asked to open.
+    QList<QUrl> opened;
+    AdActions::setUrlOpener([&](const QUrl &url) {
+        opened.append(url);
+        return true;
+    });
+    QStringList tips;
+    const auto showTip = [&](const QString &tip) { tips.append(tip); };
+    EXPECT_TRUE(AdActions::performAdAction(ad("call", QStringLiteral("78671374")), showTip));
+    EXPECT_TRUE(AdActions::performAdAction(ad("tip", QStringLiteral("Try the flan")), showTip));
+    EXPECT_FALSE(AdActions::performAdAction(ad("video", QStringLiteral("x")), showTip));
+    EXPECT_FALSE(AdActions::performAdAction(ad("tip", QStringLiteral("Try the flan")), nullptr));
+    EXPECT_EQ(opened, QList<QUrl>{QUrl(QStringLiteral("tel:78671374"))});
+    EXPECT_EQ(tips, QStringList{QStringLiteral("Try the flan")});
+    AdActions::setUrlOpener([](const QUrl &) { return false; });
+}
