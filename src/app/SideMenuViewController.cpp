@@ -51,8 +51,12 @@ void SideMenuViewController::moreInfoTouched()
 {
     if (!m_contentController)
         return;
-    if (ViewController *intro = Storyboard::instantiate(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-intro"), this))
+    // Over the whole window, not inside the content the open drawer has pushed aside.
+    if (ViewController *intro = Storyboard::instantiate(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-intro"), this)) {
+        if (m_drawer)
+            m_drawer->hideMenuAnimated(false);
         m_contentController->presentViewController(intro, true);
+    }
 }
 
 ViewController *SideMenuViewController::lazily(QPointer<ViewController> &field, const char *storyboard, const char *identifier)

@@ -58,15 +58,25 @@ Item {
                 }
                 onAccepted: focus = false
                 Component.onCompleted: forceActiveFocus()
-                Text {
+                // A drawn cross: no bundled font has one, and a system fallback would differ.
+                Item {
                     id: clear
+                    objectName: "clearSearchButton"
                     visible: field.text.length > 0
                     anchors { right: parent.right; rightMargin: 8; verticalCenter: parent.verticalCenter }
-                    text: "✕"
-                    color: "#a29476"
-                    font.pixelSize: 14
+                    width: 14; height: 14
                     Accessible.role: Accessible.Button
                     Accessible.name: qsTrId("a11y_clear_search")
+                    Repeater {
+                        model: [45, -45]
+                        Rectangle {
+                            required property int modelData
+                            anchors.centerIn: parent
+                            width: 14; height: 2; radius: 1
+                            rotation: modelData
+                            color: "#a29476"
+                        }
+                    }
                     MouseArea {
                         anchors { fill: parent; margins: -8 }
                         onClicked: { root.controller.textFieldShouldClear(); field.clear(); field.previousText = "" }

@@ -1,6 +1,8 @@
 #include "LugaresTableViewController.h"
 
 #include "PlaceCards.h"
+#include "platform/DefaultKeys.h"
+#include "platform/UserDefaults.h"
 #include "app/Globals.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
@@ -258,6 +260,12 @@ void LugaresTableViewController::setSections(const QList<Section> &sections, boo
         m_rows->update();
         emit sectionsChanged();
     }
+}
+
+QString LugaresTableViewController::points() const
+{
+    // A fixed score: the feature has no data yet; off, the label takes no room.
+    return UserDefaults::standard().boolForKey(DefaultKeys::devEnableOpinions) ? QStringLiteral("4.5") : QString();
 }
 
 QStringList LugaresTableViewController::sectionIndexTitles() const

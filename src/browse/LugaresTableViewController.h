@@ -37,6 +37,8 @@ class LugaresTableViewController : public ViewController
     Q_PROPERTY(bool fewerFiltersVisible READ fewerFiltersVisible NOTIFY fewerFiltersChanged)
     Q_PROPERTY(qreal sectionIndexAlpha READ sectionIndexAlpha NOTIFY sectionIndexAlphaChanged)
     Q_PROPERTY(bool customEditing READ customEditing NOTIFY editingChanged)
+    // The opinions feature's placeholder score on every card, while the developer switch is on.
+    Q_PROPERTY(QString points READ points NOTIFY sectionsChanged)
 
 public:
     enum class SwipeButtonType { call, reserve, delete_ };
@@ -72,6 +74,7 @@ public:
     Q_INVOKABLE void swipeWillBegin(int row);
     Q_INVOKABLE void swipeWillEnd(int row);
     qreal sectionIndexAlpha() const { return m_indexAlpha; }
+    QString points() const;
     int swipedCells() const { return m_swipedCells; }
     Q_INVOKABLE void hideSectionIndex();
     Q_INVOKABLE void showSectionIndex();

@@ -45,23 +45,23 @@ SwipeDelegate {
     ListView.onReused: card.swipe.close()
 
     contentItem: Item {
-        Text {
+        // Drawn, not typed: no bundled font has the sign, and a system fallback would differ.
+        Rectangle {
             id: minus
             objectName: "minusButton"
             x: card.list && card.list.customEditing ? 12 : -width
             Behavior on x { NumberAnimation { duration: 300 } }
             anchors.verticalCenter: parent.verticalCenter
-            width: 24
-            text: "⊖"
-            color: "red"
-            font.pixelSize: 22
+            width: 22; height: 22; radius: 11
+            color: "#e0322b"
             Accessible.role: Accessible.Button
             Accessible.name: qsTrId("a11y_delete")
-            MouseArea { anchors.fill: parent; onClicked: card.swipe.open(SwipeDelegate.Right) }
+            Rectangle { anchors.centerIn: parent; width: 12; height: 2.5; radius: 1; color: "white" }
+            MouseArea { anchors { fill: parent; margins: -8 } onClicked: card.swipe.open(SwipeDelegate.Right) }
         }
         Rectangle {
             id: frame
-            x: minus.x + minus.width + 12
+            x: minus.x + minus.width + 14
             anchors.verticalCenter: parent.verticalCenter
             width: 68; height: 68; radius: 6
             color: "#f0ede8"
@@ -87,7 +87,7 @@ SwipeDelegate {
         }
         Item {
             id: nameRow
-            anchors { left: frame.right; leftMargin: 12; right: arrow.left; rightMargin: 6; top: frame.top; topMargin: -2 }
+            anchors { left: frame.right; leftMargin: 12; right: points.visible ? points.left : arrow.left; rightMargin: 6; top: frame.top; topMargin: -2 }
             height: nameLabel.implicitHeight
             Text {
                 id: nameLabel
@@ -120,6 +120,15 @@ SwipeDelegate {
             font: Theme.font("OpenSans", 13)
             color: "#8a7f72"
             elide: Text.ElideRight
+        }
+        Text {
+            id: points
+            objectName: "pointsLabel"
+            visible: text !== ""
+            anchors { right: arrow.left; rightMargin: 6; verticalCenter: parent.verticalCenter }
+            text: card.list ? card.list.points : ""
+            font: Theme.font("OpenSans-Bold", 14)
+            color: Theme.colors.selectedRowColor
         }
         Text {
             id: arrow

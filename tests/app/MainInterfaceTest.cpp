@@ -20,7 +20,8 @@
 namespace {
 // The app's window on a 400-place demo guide, drawn offscreen.
 struct DemoWindow {
-    DemoWindow()
+    // `switches`: developer settings turned on before the app starts.
+    explicit DemoWindow(const QStringList &switches = {})
     {
         DemoOptions options;
         options.places = 400;
@@ -28,6 +29,8 @@ struct DemoWindow {
         if (!writeCatalogue(makeDemo(options), home.documents() + QStringLiteral("/velmora-20261101.db"), &error))
             qFatal("%s", qPrintable(error));
         home.defaults().setInteger(1, QStringLiteral("Province"));
+        for (const QString &key : switches)
+            home.defaults().setBool(true, key);
         delegate.didFinishLaunching();
         window = std::make_unique<AppWindow>(delegate);
         if (!window->load() || !QTest::qWaitForWindowExposed(window->window()))
@@ -315,4 +318,26 @@ TEST(MainInterface, TheDiscoverTabShowsThePromotedPlaces)
         << "an ad follows the second promotion";
     tap(window, ui.item("promoRow-0"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 2; }, 2000));
+}
+
+// Catches: the opinions switch not showing the cards' score, and the subscription sheet opened
+// inside the content the open drawer has pushed aside instead of over the whole window.
+TEST(MainInterface, DeveloperSwitchesReachTheList)
+{
+    DemoWindow ui({QStringLiteral("dev-enable-opinions"), QStringLiteral("dev-enable-subscribe"), QStringLiteral("subscription-screen-seen")});
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    QQuickItem *points = ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("pointsLabel") && item->isVisible(); });
+    ASSERT_TRUE(points);
+    EXPECT_EQ(points->property("text").toString(), QStringLiteral("4.5"));
+
+    tap(window, ui.item("barButton-menu"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("moreInfoButton") && ui.item("moreInfoButton")->isVisible(); }, 2000));
+    QTest::qWait(400);
+    tap(window, ui.item("moreInfoButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->presentedViewController() != nullptr; }, 2000));
+    QTest::qWait(500);
+    QQuickItem *sheet = ui.item("presentedSheet");
+    EXPECT_EQ(sheet->mapToScene(QPointF(0, 0)).x(), 0.0) << "the sheet sits in the content pushed aside";
+    EXPECT_EQ(sheet->width(), window->width());
 }
