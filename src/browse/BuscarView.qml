@@ -112,6 +112,7 @@ Item {
                 Item {
                     required property int index
                     required property string modelData
+                    objectName: "tab-" + index
                     width: tabBar.width / Math.max(1, root.controller.tabTitles.length)
                     height: tabBar.height
                     Accessible.role: Accessible.PageTab
