@@ -192,6 +192,12 @@ void BuscarViewController::searchTapped()
     const QVariant saved = UserDefaults::standard().objectForKey(DefaultKeys::filters);
     if (saved.typeId() == QMetaType::QVariantMap) {
         m_lastFilters.load(saved.toMap());
+        // Ids this catalogue or province no longer has are dropped one by one; the rest stay.
+        const auto province = m_restaurants.province(currentProvince());
+        m_lastFilters.municipalities.intersect(province ? province->municipalityIds() : QSet<int>());
+        const QList<int> cuisines = m_restaurants.cuisines().contents().keys();
+        m_lastFilters.cuisines.intersect(QSet<int>(cuisines.begin(), cuisines.end()));
+        m_lastFilters.prices.intersect(PriceFilterTableViewController::rankIds());
         applyFilters(m_lastFilters);
     }
     showSearch();

@@ -63,19 +63,34 @@ void FilterTableViewController::clear()
     updateCallback(m_selected);
 }
 
+namespace {
+// The five ranges: price rank id and the key of its title.
+constexpr std::pair<int, const char *> priceRanks[] = {{2, QT_TRID_NOOP("filters_price_rank_upto_7")},
+                                                       {3, QT_TRID_NOOP("filters_price_rank_7_to_14")},
+                                                       {4, QT_TRID_NOOP("filters_price_rank_14_to_21")},
+                                                       {5, QT_TRID_NOOP("filters_price_rank_21_to_29")},
+                                                       {6, QT_TRID_NOOP("filters_price_rank_over_29")}};
+}
+
+QSet<int> PriceFilterTableViewController::rankIds()
+{
+    QSet<int> ids;
+    for (const auto &[id, key] : priceRanks)
+        ids.insert(id);
+    return ids;
+}
+
 PriceFilterTableViewController::PriceFilterTableViewController(QObject *parent)
     : QObject(parent)
-    , m_priceRanks({{2, qtTrId("filters_price_rank_upto_7")},
-                    {3, qtTrId("filters_price_rank_7_to_14")},
-                    {4, qtTrId("filters_price_rank_14_to_21")},
-                    {5, qtTrId("filters_price_rank_21_to_29")},
-                    {6, qtTrId("filters_price_rank_over_29")}})
     , m_connectors({{ConnectorState::hidden, ConnectorState::off},
                     {ConnectorState::off, ConnectorState::off},
                     {ConnectorState::off, ConnectorState::off},
                     {ConnectorState::off, ConnectorState::off},
                     {ConnectorState::off, ConnectorState::hidden}})
 {
+    // Titles are read once, at creation, in the language of the moment.
+    for (const auto &[id, key] : priceRanks)
+        m_priceRanks.append({id, qtTrId(key)});
     refreshConnectors();
 }
 

@@ -51,6 +51,8 @@ public:
     enum class ConnectorState { hidden, on, off };
 
     explicit PriceFilterTableViewController(QObject *parent = nullptr);
+    // The price rank ids the page offers, and so the only ones a filter may hold.
+    static QSet<int> rankIds();
 
     // Each: {"title", "chosen", "top", "bottom"} with the connectors as "hidden", "on" or "off".
     QVariantList rows() const;

@@ -164,3 +164,20 @@ TEST(SearchScreen, TabsFollowTheProvince)
     EXPECT_EQ(nowhere.screen->provinceName(), QStringLiteral("(invalid province)"));
     EXPECT_TRUE(nowhere.listed().isEmpty());
 }
+
+// Catches: a saved filter naming ids the catalogue or the province no longer has narrowing the
+// list to nothing, or throwing the whole saved filter away for one stale id.
+TEST(SearchScreen, StaleSavedFiltersAreDroppedEntryByEntry)
+{
+    SearchScreen ui;
+    Filters stale;
+    stale.municipalities = {10, 999, 20};
+    stale.cuisines = {3, 77};
+    stale.prices = {4, 42};
+    ui.home.defaults().setObject(stale.dictionary(), QStringLiteral("filters"));
+    ui.screen->searchTapped();
+    ui.waitForList();
+    EXPECT_EQ(ui.screen->lastFilters().municipalities, QSet<int>{10}) << "20 is Matanzas's, 999 no one's";
+    EXPECT_EQ(ui.screen->lastFilters().cuisines, QSet<int>{3});
+    EXPECT_EQ(ui.screen->lastFilters().prices, QSet<int>{4});
+}
