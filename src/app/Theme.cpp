@@ -1,6 +1,6 @@
 #include "Theme.h"
 
-#include "app/Globals.h"
+#include "presentation/Globals.h"
 #include "richtext/FontRegistry.h"
 #include "richtext/IconFont.h"
 #include "richtext/RichTextLayout.h"

@@ -6,7 +6,7 @@
 #include "OfertasTableViewController.h"
 #include "ProvincesTableViewController.h"
 #include "platform/DefaultKeys.h"
-#include "app/Globals.h"
+#include "presentation/Globals.h"
 #include "platform/Notifications.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"

@@ -3,7 +3,7 @@
 #include "PlaceCards.h"
 #include "platform/DefaultKeys.h"
 #include "platform/UserDefaults.h"
-#include "app/Globals.h"
+#include "presentation/Globals.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
 #include "platform/Localize.h"

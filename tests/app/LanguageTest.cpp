@@ -1,4 +1,4 @@
-#include "app/Globals.h"
+#include "presentation/Globals.h"
 #include "app/LanguageSwitch.h"
 #include "fixtures/TestHome.h"
 #include "platform/Localize.h"

@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
-#include "app/Globals.h"
+#include "presentation/Globals.h"
 #include "app/LanguageSwitch.h"
 #include "fixtures/QuickItems.h"
 #include "fixtures/TestHome.h"

@@ -1,5 +1,5 @@
 #include "app/AppDelegate.h"
-#include "app/Globals.h"
+#include "presentation/Globals.h"
 #include "app/Scenes.h"
 #include "platform/Notifications.h"
 #include "browse/BuscarViewController.h"

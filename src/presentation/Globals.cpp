@@ -1,4 +1,4 @@
-#include "app/Globals.h"
+#include "presentation/Globals.h"
 
 #include "platform/FileAttributes.h"
 #include "platform/Localize.h"
