@@ -46,14 +46,12 @@ Rectangle {
                 fillMode: Image.PreserveAspectCrop
                 asynchronous: true
             }
-            Rectangle {
+            // The shade under the title: black from clear to half, top to bottom.
+            GradientView {
                 visible: row.promo
                 anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
                 height: parent.height * 0.6
-                gradient: Gradient {
-                    GradientStop { position: 0; color: "#00000000" }
-                    GradientStop { position: 1; color: "#80000000" }
-                }
+                colors: ["#00000000", "#80000000"]
             }
             Column {
                 visible: row.promo

@@ -25,7 +25,14 @@ SwipeDelegate {
     Accessible.name: accessibleName
     background: Rectangle {
         color: card.pressed ? "#f4f1ec" : "white"
-        Rectangle { anchors.bottom: parent.bottom; x: 92; width: parent.width - x; height: 1; color: "#ebe6de" }
+        // Under the texts, so it moves with them when editing slides the card's content.
+        Rectangle {
+            objectName: "cardSeparator"
+            anchors.bottom: parent.bottom
+            x: 92 + (card.list && card.list.customEditing ? minus.width + 12 : 0)
+            Behavior on x { NumberAnimation { duration: 300 } }
+            width: parent.width - x; height: 1; color: "#ebe6de"
+        }
     }
 
     onClicked: card.list.didSelectRow(card.index)
@@ -61,7 +68,7 @@ SwipeDelegate {
         }
         Rectangle {
             id: frame
-            x: minus.x + minus.width + 14
+            x: minus.x + minus.width + 12
             anchors.verticalCenter: parent.verticalCenter
             width: 68; height: 68; radius: 6
             color: "#f0ede8"

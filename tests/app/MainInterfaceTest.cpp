@@ -340,3 +340,19 @@ TEST(MainInterface, DeveloperSwitchesReachTheList)
     EXPECT_EQ(sheet->mapToScene(QPointF(0, 0)).x(), 0.0) << "the sheet sits in the content pushed aside";
     EXPECT_EQ(sheet->width(), window->width());
 }
+
+// Catches: the separator of a card staying put while editing slides the card's texts aside.
+TEST(MainInterface, EditingMovesTheSeparatorWithTheTexts)
+{
+    DemoWindow ui;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    QQuickItem *separator = ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("cardSeparator") && item->isVisible(); });
+    ASSERT_TRUE(separator);
+    const qreal before = separator->mapToScene(QPointF(0, 0)).x();
+    ui.search()->lugaresVC()->setEditing(true);
+    QTest::qWait(500);
+    EXPECT_GT(separator->mapToScene(QPointF(0, 0)).x(), before + 20);
+    ui.search()->lugaresVC()->setEditing(false);
+    QTest::qWait(500);
+    EXPECT_EQ(separator->mapToScene(QPointF(0, 0)).x(), before);
+}
