@@ -356,3 +356,23 @@ TEST(MainInterface, EditingMovesTheSeparatorWithTheTexts)
     QTest::qWait(500);
     EXPECT_EQ(separator->mapToScene(QPointF(0, 0)).x(), before);
 }
+
+// Catches: a clear button or a back button in the search bar that a finger's tap doesn't reach.
+TEST(MainInterface, TheSearchBarClearsAndCloses)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    LugaresTableViewController *list = ui.search()->lugaresVC();
+    const int all = list->rows()->rowCount();
+    tap(window, ui.item("barButton-search"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField") && ui.item("searchField")->hasActiveFocus(); }, 2000));
+    for (const char key : {'c', 'a', 's', 'a'})
+        QTest::keyClick(window, key);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() > 0 && list->rows()->rowCount() < all; }, 5000));
+    tap(window, ui.item("clearSearchButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField")->property("text").toString().isEmpty(); }, 2000));
+    tap(window, ui.item("barButton-cancel"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.search()->searchVisible(); }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() == all; }, 5000));
+}
