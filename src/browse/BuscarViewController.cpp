@@ -173,12 +173,7 @@ void BuscarViewController::applyFilters(const Filters &filters)
         ids.intersect(m_searchResults);
     if (!m_lugaresVC)
         return;
-    const QString term = m_activeSearch;
-    QPointer<LugaresTableViewController> list = m_lugaresVC;
-    Globals::backgroundQueue().addOperation([list, ids, term] {
-        if (list)
-            list->buildSections(ids, term, true);
-    });
+    m_lugaresVC->setEntries(ids, true, m_activeSearch);
     // Asks for fewer filters only when filters are set: an empty text search alone stays blank.
     if (ids.isEmpty() && !m_lastFilters.isEmpty())
         m_lugaresVC->showFewerFilters();

@@ -231,13 +231,15 @@ void LugaresTableViewController::viewDidLoad()
 
 void LugaresTableViewController::setEntries(const QSet<int> &ids, bool reload, const QString &searchTerm)
 {
-    Globals::backgroundQueue().addOperation([self = QPointer(this), ids, reload, searchTerm] {
+    // Builds may finish out of order on the background queue: only the latest asked for lands.
+    const quint64 request = ++m_sectionsRequested;
+    Globals::backgroundQueue().addOperation([self = QPointer(this), ids, reload, searchTerm, request] {
         if (self)
-            self->buildSections(ids, searchTerm, reload);
+            self->buildSections(ids, searchTerm, reload, request);
     });
 }
 
-void LugaresTableViewController::buildSections(const QSet<int> &ids, const QString &searchTerm, bool reload)
+void LugaresTableViewController::buildSections(const QSet<int> &ids, const QString &searchTerm, bool reload, quint64 request)
 {
     const QList<SortedEntry> entries = m_restaurants.sortedEntries(ids, searchTerm);
     // The first screenful's cards read their brief and picture on the main thread; reading them
@@ -247,8 +249,8 @@ void LugaresTableViewController::buildSections(const QSet<int> &ids, const QStri
         m_restaurants.profileImage(entries.at(i).id);
     }
     const QList<Section> built = groupIntoSections(entries);
-    dispatchMain([self = QPointer(this), built, reload] {
-        if (self)
+    dispatchMain([self = QPointer(this), built, reload, request] {
+        if (self && (request == 0 || request == self->m_sectionsRequested))
             self->setSections(built, reload);
     });
 }

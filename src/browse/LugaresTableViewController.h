@@ -51,8 +51,9 @@ public:
     // The owner's way in: sorts and groups on the background queue, then shows.
     void setEntries(const QSet<int> &ids, bool reload, const QString &searchTerm);
     // The worker: runs on Globals::backgroundQueue(), never on the main thread; hands the
-    // sections to the main thread and reloads there when asked.
-    void buildSections(const QSet<int> &ids, const QString &searchTerm, bool reload);
+    // sections to the main thread and reloads there when asked, unless a later setEntries()
+    // asked for others meanwhile (`request` 0: show them regardless).
+    void buildSections(const QSet<int> &ids, const QString &searchTerm, bool reload, quint64 request = 0);
 
     QList<Section> sections() const { return m_sections; }
     QStringList sectionIndexTitles() const;
@@ -99,6 +100,7 @@ protected:
     void viewDidLoad() override;
 
 private:
+    quint64 m_sectionsRequested = 0; // main thread only
     friend class LugaresRows;
     void setSections(const QList<Section> &sections, bool reload);
     bool hasPhone(int id) const;

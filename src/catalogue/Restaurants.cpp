@@ -291,6 +291,7 @@ void Restaurants::loadDatabase()
     if (readingAhead)
         readListingAhead(candidates.front().path);
     std::optional<size_t> used;
+    bool committed = false; // a file newly taken into use, not the one already serving
     bool emptyPrices = false;
     for (size_t i = 0; i < candidates.size() && !used; ++i) {
         OpenedCandidate &candidate = candidates[i];
@@ -303,6 +304,7 @@ void Restaurants::loadDatabase()
         switch (stage(candidate, replacing, staged, reason)) {
         case StageOutcome::Loaded:
             used = i;
+            committed = true;
             commitStaged(candidate, std::move(staged));
             break;
         case StageOutcome::EmptyPrices:
@@ -327,7 +329,9 @@ void Restaurants::loadDatabase()
     }
 
     applyTablesLanguage();
-    if (*used > 0 || !readingAhead)
+    // A fallback to an older file reads its listing now; the newest one's is under way already,
+    // and the catalogue that stays in use keeps the listing it has.
+    if (committed && !(readingAhead && *used == 0))
         readListingAhead(candidates[*used].path);
     openSearchIndex(false);
     {

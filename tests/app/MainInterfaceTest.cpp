@@ -366,13 +366,16 @@ TEST(MainInterface, TheSearchBarClearsAndCloses)
     LugaresTableViewController *list = ui.search()->lugaresVC();
     const int all = list->rows()->rowCount();
     tap(window, ui.item("barButton-search"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField") && ui.item("searchField")->hasActiveFocus(); }, 2000));
+    // Generous waits: on a loaded machine the searches and lists land late, not wrong.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField") && ui.item("searchField")->hasActiveFocus(); }, 5000));
     for (const char key : {'c', 'a', 's', 'a'})
         QTest::keyClick(window, key);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() > 0 && list->rows()->rowCount() < all; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.search()->searchRunning() && !ui.search()->pendingSearch(); }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() > 0 && list->rows()->rowCount() < all; }, 10000))
+        << list->rows()->rowCount() << " of " << all;
     tap(window, ui.item("clearSearchButton"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField")->property("text").toString().isEmpty(); }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField")->property("text").toString().isEmpty(); }, 5000));
     tap(window, ui.item("barButton-cancel"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.search()->searchVisible(); }, 2000));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() == all; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.search()->searchVisible(); }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() == all; }, 10000)) << list->rows()->rowCount() << " of " << all << " search " << ui.search()->searchVisible();
 }
