@@ -64,9 +64,10 @@ int main(int argc, char *argv[])
     if (!window.load())
         return 1;
 
-    // A link is followed once the interface is there, as if the user had gone there.
+    // A link is followed once the interface is there, as if the user had gone there; a run that
+    // reports its first frame gets the screen reached without a transition half done.
     if (!options.link.isEmpty())
-        delegate.openLink(options.link);
+        delegate.openLink(options.link, !options.reportsAndQuits());
 
     if (options.reportsAndQuits()) {
         // The main interface is reported once a frame shows the place list's rows, which are
