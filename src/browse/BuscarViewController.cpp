@@ -25,8 +25,6 @@ namespace {
 const QString discoverTab = QStringLiteral("discover");
 const QString placesTab = QStringLiteral("places");
 const QString offersTab = QStringLiteral("offers");
-
-QFont iconFont(double size) { return BarButtonItem::iconFont(size); }
 }
 
 BuscarViewController::BuscarViewController(Restaurants &restaurants, QObject *parent)
@@ -46,16 +44,16 @@ BuscarViewController::~BuscarViewController()
 
 void BuscarViewController::viewDidLoad()
 {
-    m_menuButton = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, iconFont(18), this);
+    m_menuButton = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, BarButtonItem::iconFont(18), this);
     connect(m_menuButton, &BarButtonItem::triggered, this, [] {
         if (SideMenuPresenter *menu = SideMenuPresenter::shared())
             menu->showSideMenu(true);
     });
-    m_searchButton = new BarButtonItem(QStringLiteral("search"), IconFont::browseThin, iconFont(20), this);
+    m_searchButton = new BarButtonItem(QStringLiteral("search"), IconFont::browseThin, BarButtonItem::iconFont(20), this);
     connect(m_searchButton, &BarButtonItem::triggered, this, &BuscarViewController::searchTapped);
-    m_cancelButton = new BarButtonItem(QStringLiteral("cancel"), IconFont::back, iconFont(23), this);
+    m_cancelButton = new BarButtonItem(QStringLiteral("cancel"), IconFont::back, BarButtonItem::iconFont(23), this);
     connect(m_cancelButton, &BarButtonItem::triggered, this, &BuscarViewController::cancelSearch);
-    m_filterButton = new BarButtonItem(QStringLiteral("filter"), QStringLiteral("d"), iconFont(23), this);
+    m_filterButton = new BarButtonItem(QStringLiteral("filter"), QStringLiteral("d"), BarButtonItem::iconFont(23), this);
     connect(m_filterButton, &BarButtonItem::triggered, this, &BuscarViewController::filter);
     setLeftItems({m_menuButton});
     setRightItems({m_searchButton});

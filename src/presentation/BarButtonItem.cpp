@@ -1,13 +1,13 @@
 #include "BarButtonItem.h"
 
-#include "richtext/FontRegistry.h"
-#include "richtext/IconFont.h"
+#include "Globals.h"
 #include "richtext/RichTextLayout.h"
 
 QFont BarButtonItem::iconFont(double size)
 {
-    const auto face = FontRegistry::shared().face(IconFont::fontName);
-    return RichTextLayout::qfont(RunFont{IconFont::fontName, face.value_or(FontFace{IconFont::fontName}), size});
+    RunFont font = Globals::iconFont();
+    font.size = size;
+    return RichTextLayout::qfont(font);
 }
 
 BarButtonItem::BarButtonItem(const QString &name, const QString &title, const QFont &font, QObject *parent)
