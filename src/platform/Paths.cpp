@@ -39,10 +39,3 @@ QString Paths::subdirectory(const QString &name)
     return path;
 }
 
-QString Paths::rootFromArguments(const QStringList &arguments)
-{
-    const qsizetype at = arguments.indexOf(QStringLiteral("--home"));
-    if (at >= 0 && at + 1 < arguments.size())
-        return arguments.at(at + 1);
-    return qEnvironmentVariable("VELMORA_HOME");
-}

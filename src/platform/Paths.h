@@ -17,8 +17,6 @@ public:
     static QString caches();
     static QString applicationSupport();
 
-    // The root asked for by the command line (`--home DIR`), else VELMORA_HOME, else empty.
-    static QString rootFromArguments(const QStringList &arguments);
 
 private:
     static QString subdirectory(const QString &name);

@@ -67,6 +67,12 @@ TEST(DeepLink, CommandLine)
     EXPECT_EQ(parse({QStringLiteral("--self-test"), QStringLiteral("-h")}).action, LaunchOptions::Action::Help);
     EXPECT_EQ(parse({QStringLiteral("--version")}).action, LaunchOptions::Action::Version);
     EXPECT_EQ(parse({QStringLiteral("--home")}).action, LaunchOptions::Action::Refuse);
+    // The command line wins over the environment, which stands in when it says nothing.
+    qputenv("VELMORA_HOME", "/from/env");
+    EXPECT_EQ(parse({QStringLiteral("--home"), QStringLiteral("/from/args")}).home, QStringLiteral("/from/args"));
+    EXPECT_EQ(parse({}).home, QStringLiteral("/from/env"));
+    qunsetenv("VELMORA_HOME");
+    EXPECT_TRUE(parse({}).home.isEmpty());
     EXPECT_EQ(parse({QStringLiteral("velmora://a"), QStringLiteral("velmora://b")}).action, LaunchOptions::Action::Refuse);
     EXPECT_TRUE(LaunchOptions::usage().contains(QStringLiteral("--dump-ui")));
 }
