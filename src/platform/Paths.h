@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 // The application's three directories live under one root, as they do in a phone's sandbox.
 // The root is the platform's application data location unless `--home DIR` or VELMORA_HOME
