@@ -607,5 +607,33 @@ It opens by itself as soon as it is there.</translation>
         <source>offers_none_today</source>
         <translation>No offers today in this province.</translation>
     </message>
+    <message id="lugar_reserve_table">
+        <source>lugar_reserve_table</source>
+        <translation>Book a table</translation>
+    </message>
+    <message id="lugar_shared_copied">
+        <source>lugar_shared_copied</source>
+        <translation>Name and address copied, ready to paste</translation>
+    </message>
+    <message id="a11y_share">
+        <source>a11y_share</source>
+        <translation>Share</translation>
+    </message>
+    <message id="a11y_place_picture">
+        <source>a11y_place_picture</source>
+        <translation>The place's picture</translation>
+    </message>
+    <message id="a11y_edit">
+        <source>a11y_edit</source>
+        <translation>Edit</translation>
+    </message>
+    <message id="myplaces_edit">
+        <source>myplaces_edit</source>
+        <translation>Edit</translation>
+    </message>
+    <message id="myplaces_done">
+        <source>myplaces_done</source>
+        <translation>Done</translation>
+    </message>
 </context>
 </TS>

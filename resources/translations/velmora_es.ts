@@ -607,5 +607,33 @@ Se abrirá solo en cuanto esté allí.</translation>
         <source>offers_none_today</source>
         <translation>Hoy no hay ofertas en esta provincia.</translation>
     </message>
+    <message id="lugar_reserve_table">
+        <source>lugar_reserve_table</source>
+        <translation>Reservar mesa</translation>
+    </message>
+    <message id="lugar_shared_copied">
+        <source>lugar_shared_copied</source>
+        <translation>Nombre y dirección copiados, listos para pegar</translation>
+    </message>
+    <message id="a11y_share">
+        <source>a11y_share</source>
+        <translation>Compartir</translation>
+    </message>
+    <message id="a11y_place_picture">
+        <source>a11y_place_picture</source>
+        <translation>Foto del lugar</translation>
+    </message>
+    <message id="a11y_edit">
+        <source>a11y_edit</source>
+        <translation>Editar</translation>
+    </message>
+    <message id="myplaces_edit">
+        <source>myplaces_edit</source>
+        <translation>Editar</translation>
+    </message>
+    <message id="myplaces_done">
+        <source>myplaces_done</source>
+        <translation>Listo</translation>
+    </message>
 </context>
 </TS>

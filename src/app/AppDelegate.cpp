@@ -172,6 +172,12 @@ void AppDelegate::showSideMenu(bool animated)
         m_drawer->showMenuAnimated(animated);
 }
 
+void AppDelegate::showMenuEntry(const QString &key)
+{
+    if (m_sideMenu)
+        m_sideMenu->tableVC()->selectRowWithKey(key);
+}
+
 void AppDelegate::setRoot(const QString &root)
 {
     if (m_root == root)

@@ -74,6 +74,7 @@ public:
 
     // Opens the drawer; harmless before the main interface exists.
     Q_INVOKABLE void showSideMenu(bool animated) override;
+    void showMenuEntry(const QString &key) override;
 
 signals:
     void rootChanged();

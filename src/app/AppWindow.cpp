@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "browse/PlacePictureProvider.h"
+#include "placecard/HeaderPictures.h"
 #include "platform/Localize.h"
 #include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
@@ -35,6 +36,7 @@ bool AppWindow::load()
     QGuiApplication::setFont(QFont(QStringLiteral("Open Sans")));
     m_engine->addImportPath(QStringLiteral("qrc:/"));
     m_engine->addImageProvider(QStringLiteral("places"), new PlacePictureProvider);
+    m_engine->addImageProvider(QStringLiteral("placecard"), new HeaderPictureProvider);
     m_engine->setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_delegate)}});
     m_engine->load(QUrl(QStringLiteral("qrc:/Velmora/app/Main.qml")));
     if (!window()) {

@@ -3,9 +3,13 @@
 #include "browse/BuscarViewController.h"
 #include "browse/FiltersViewController.h"
 #include "browse/OfertasTableViewController.h"
-#include "browse/PhoneNumbersViewController.h"
 #include "browse/ProvincesTableViewController.h"
 #include "catalogue/Restaurants.h"
+#include "personal/MyPlacesViewController.h"
+#include "placecard/LugarTableViewController.h"
+#include "placecard/PhoneNumbersViewController.h"
+#include "placecard/SaveToMyPlacesViewController.h"
+#include "platform/UserDefaults.h"
 #include "presentation/PlaceholderViewController.h"
 #include "presentation/Storyboard.h"
 
@@ -42,11 +46,22 @@ void registerApplicationScenes()
     });
     Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("phone-numbers-vc"),
                               [](QObject *parent) -> ViewController * { return new PhoneNumbersViewController(parent); });
+    Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("lugar-view-controller"), [](QObject *parent) -> ViewController * {
+        return new LugarTableViewController(Restaurants::shared(), UserDefaults::standard(), parent);
+    });
+    Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("save-to-myplaces-vc"), [](QObject *parent) -> ViewController * {
+        return new SaveToMyPlacesViewController(UserDefaults::standard(), parent);
+    });
+    Storyboard::registerScene(QStringLiteral("Main"), QStringLiteral("my-places-view-controller"), [](QObject *parent) -> ViewController * {
+        return new MyPlacesViewController(Restaurants::shared(), UserDefaults::standard(), parent);
+    });
 
     using Place = PlaceholderViewController::Place;
-    placeholder("Lugar", "lugar-view-controller", nullptr, Place::Pushed);
+    placeholder("Lugar", "lugar-map-view-controller", "map_title", Place::Pushed);
+    placeholder("Lugar", "pictures-nav-controller", "lugar_gallery", Place::Pushed);
+    placeholder("Lugar", "menu-view-controller", "lugar_menu", Place::Pushed);
+    placeholder("Lugar", "more-info-view-controller", "lugar_moreinfo", Place::Pushed);
     placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);
-    placeholder("Main", "my-places-view-controller", "myplaces_title", Place::TopLevel);
     placeholder("Info_Settings", "info-view-controller", "sidemenu_info", Place::TopLevel);
     placeholder("Info_Settings", "settings-view-controller", "settings_title", Place::TopLevel);
     placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", Place::Presented);

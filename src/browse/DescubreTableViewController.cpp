@@ -1,7 +1,7 @@
 #include "DescubreTableViewController.h"
 
-#include "AdActions.h"
-#include "PlaceCards.h"
+#include "presentation/AdActions.h"
+#include "placecard/PlaceCards.h"
 #include "catalogue/Restaurants.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Localize.h"

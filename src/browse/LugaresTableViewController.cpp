@@ -1,6 +1,6 @@
 #include "LugaresTableViewController.h"
 
-#include "PlaceCards.h"
+#include "placecard/PlaceCards.h"
 #include "platform/DefaultKeys.h"
 #include "platform/UserDefaults.h"
 #include "presentation/Globals.h"
@@ -418,15 +418,7 @@ bool LugaresTableViewController::showPlace(int id, bool animated)
 
 void LugaresTableViewController::showPhoneNumbersForId(int id)
 {
-    NavigationController *navigation = navigationController();
-    if (!navigation)
-        return;
-    ViewController *sheet = Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("phone-numbers-vc"), this);
-    if (!sheet)
-        return;
-    const QStringList numbers = m_restaurants.phones(id);
-    sheet->setProperty("numbers", numbers);
-    navigation->presentViewController(sheet, true, Presentation::bottomSheet(75.0 * numbers.size() + 50));
+    showPhoneNumbers(navigationController(), m_restaurants, id, this);
 }
 
 void LugaresTableViewController::setEditing(bool editing)

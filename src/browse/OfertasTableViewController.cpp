@@ -1,6 +1,6 @@
 #include "OfertasTableViewController.h"
 
-#include "PlaceCards.h"
+#include "placecard/PlaceCards.h"
 #include "catalogue/Restaurants.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Localize.h"

@@ -18,6 +18,9 @@ class OfertasTableViewController : public ViewController
     QML_UNCREATABLE("Made through the Storyboard registry")
     Q_PROPERTY(QVariantList rows READ rows NOTIFY rowsChanged)
     Q_PROPERTY(bool restaurantMode READ restaurantMode CONSTANT)
+    // Set by whoever pushes it for one place, before it loads.
+    Q_PROPERTY(int rid MEMBER rid)
+    Q_PROPERTY(bool inertRestCard MEMBER inertRestCard)
 
 public:
     explicit OfertasTableViewController(Restaurants &restaurants, QObject *parent = nullptr);

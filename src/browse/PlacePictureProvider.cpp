@@ -18,6 +18,8 @@ QImage PlacePictureProvider::requestImage(const QString &id, QSize *size, const 
         image = QImage::fromData(Restaurants::shared().profileImage(placeId));
     else if (ok && kind == QLatin1String("promo"))
         image = QImage::fromData(Restaurants::shared().promoImage(placeId));
+    else if (ok && kind == QLatin1String("gallery"))
+        image = QImage::fromData(Restaurants::shared().galleryImage(placeId));
     else if (ok && kind == QLatin1String("ad"))
         image = QImage::fromData(Restaurants::shared().adImage(placeId));
     // A view may ask for one side only (the other 0): the picture keeps its proportions.

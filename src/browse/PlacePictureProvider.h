@@ -2,8 +2,9 @@
 
 #include <QQuickImageProvider>
 
-// Serves place pictures to QML from the catalogue: "image://places/profile/<id>". A place
-// without a picture gives a null image, and the card shows its stand-in.
+// Serves the catalogue's pictures to QML: "image://places/profile/<place id>", and by picture id
+// ".../gallery/<id>", ".../promo/<id>", ".../ad/<id>". A missing or undecodable picture gives a
+// null image, and the view shows its stand-in.
 class PlacePictureProvider : public QQuickImageProvider
 {
 public:

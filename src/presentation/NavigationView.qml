@@ -5,6 +5,7 @@ import Velmora.RichText
 
 // Draws a NavigationController: the red bar with the top screen's items and title (or the
 // screen's own `titleView`), the stack of screens below it, and a presented sheet above all.
+// A screen may paint the bar itself (`barColor`) and run its content up under it.
 Item {
     id: root
     objectName: "navigationView"
@@ -54,7 +55,7 @@ Item {
         width: parent.width
         height: root.topController && root.topController.navigationBarHidden ? 0 : 56
         visible: height > 0
-        color: Theme.colors.barTintColor
+        color: root.topPage && root.topPage.barColor !== undefined ? root.topPage.barColor : Theme.colors.barTintColor
         z: 2
 
         Row {
@@ -99,7 +100,8 @@ Item {
     StackView {
         id: stack
         anchors { top: bar.bottom; left: parent.left; right: parent.right; bottom: parent.bottom }
-        clip: true
+        // Unclipped above, so a page can draw under a bar it makes translucent.
+        clip: false
     }
 
     // A presented screen over the dimmed stack, from the edge its presentation names: a sheet

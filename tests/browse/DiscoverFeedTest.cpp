@@ -1,4 +1,5 @@
-#include "browse/AdActions.h"
+#include "presentation/AdActions.h"
+#include "presentation/UrlOpener.h"
 #include "browse/DescubreTableViewController.h"
 
 #include <gtest/gtest.h>
@@ -58,7 +59,7 @@ TEST(DiscoverFeed, AdActionsOpenWhatTheirTypeSays)
 
     // The platform's URL handler stands in for the phone's: what it was asked to open.
     QList<QUrl> opened;
-    AdActions::setUrlOpener([&](const QUrl &url) {
+    UrlOpener::setUrlOpener([&](const QUrl &url) {
         opened.append(url);
         return true;
     });
@@ -70,5 +71,5 @@ TEST(DiscoverFeed, AdActionsOpenWhatTheirTypeSays)
     EXPECT_FALSE(AdActions::performAdAction(ad("tip", QStringLiteral("Try the flan")), nullptr));
     EXPECT_EQ(opened, QList<QUrl>{QUrl(QStringLiteral("tel:78671374"))});
     EXPECT_EQ(tips, QStringList{QStringLiteral("Try the flan")});
-    AdActions::setUrlOpener([](const QUrl &) { return false; });
+    UrlOpener::setUrlOpener([](const QUrl &) { return false; });
 }

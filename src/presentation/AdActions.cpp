@@ -2,17 +2,11 @@
 
 #include "platform/Logging.h"
 
-#include <QDesktopServices>
+#include "presentation/UrlOpener.h"
 
 namespace AdActions {
 
 namespace {
-std::function<bool(const QUrl &)> &opener()
-{
-    static std::function<bool(const QUrl &)> open = [](const QUrl &url) { return QDesktopServices::openUrl(url); };
-    return open;
-}
-
 // A URL made from the text as it stands: nothing is escaped for the caller.
 std::optional<QUrl> strictUrl(const QString &text)
 {
@@ -40,8 +34,6 @@ std::optional<QUrl> urlFor(const Ad &ad, const QString &emailSubject)
     return std::nullopt;
 }
 
-void setUrlOpener(std::function<bool(const QUrl &)> open) { opener() = std::move(open); }
-
 bool performAdAction(const Ad &ad, const std::function<void(const QString &)> &showTip)
 {
     if (ad.type == QLatin1String("tip") && !ad.value.isEmpty()) {
@@ -51,7 +43,7 @@ bool performAdAction(const Ad &ad, const std::function<void(const QString &)> &s
         return true;
     }
     if (const auto url = urlFor(ad, qtTrId("adv_email_subject")))
-        return opener()(*url);
+        return UrlOpener::openURL(*url);
     qCInfo(lcApp).noquote() << "Ad" << ad.ad_id << "does nothing: type" << ad.type << "with value" << ad.value;
     return false;
 }

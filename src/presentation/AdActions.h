@@ -15,9 +15,6 @@ namespace AdActions {
 // that makes no URL). `emailSubject` is the translated subject of "email" ads.
 std::optional<QUrl> urlFor(const Ad &ad, const QString &emailSubject);
 
-// Who opens URLs: the platform's handler unless a caller sets another (tests, or a phone's own).
-void setUrlOpener(std::function<bool(const QUrl &)> opener);
-
 // Acts on the ad: opens its URL, or hands a tip's text to `showTip`. Unknown types and bad
 // values do nothing and log one line. True when something was done.
 bool performAdAction(const Ad &ad, const std::function<void(const QString &)> &showTip);

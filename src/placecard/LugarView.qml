@@ -1,0 +1,324 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Velmora
+import Velmora.RichText
+
+// A place's card: the rows its controller chose, drawn by kind, under a bar the controller
+// paints as the picture scrolls beneath it. Every tap goes to the controller.
+Rectangle {
+    id: root
+    objectName: "lugarView"
+    property LugarTableViewController controller
+    color: "#f2eee8"
+
+    readonly property int barHeight: 56
+    // The navigation bar takes its colour from here, and the table runs up under it.
+    readonly property color barColor: controller ? controller.barColor : Theme.colors.barTintColor
+
+    property Component titleView: Component {
+        Item {
+            objectName: "lugarTitle"
+            Accessible.role: Accessible.StaticText
+            Accessible.name: root.controller ? root.controller.titleText : ""
+            Text {
+                anchors.fill: parent
+                text: root.controller ? root.controller.titleText : ""
+                color: "white"
+                font: Theme.font("OpenSans-Bold", 18)
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 11
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+                elide: Text.ElideRight
+            }
+            // A sideways swipe on the title: counted by the controller, which shows the id at six.
+            MouseArea {
+                anchors.fill: parent
+                property real startX
+                onPressed: (mouse) => startX = mouse.x
+                onReleased: (mouse) => {
+                    if (Math.abs(mouse.x - startX) > 30)
+                        root.controller.navbarSwiped()
+                }
+            }
+        }
+    }
+
+    Component.onCompleted: if (controller) controller.barMaxY = barHeight
+
+    ListView {
+        id: table
+        objectName: "lugarTable"
+        anchors { fill: parent; topMargin: -root.barHeight }
+        model: root.controller ? root.controller.rows : []
+        boundsBehavior: Flickable.DragOverBounds
+        cacheBuffer: 600
+        Accessible.role: Accessible.List
+        Accessible.name: root.controller ? root.controller.title : ""
+        onContentYChanged: if (root.controller) root.controller.scrollViewDidScroll(contentY - originY, contentHeight, height)
+        onContentHeightChanged: if (root.controller) root.controller.scrollViewDidScroll(contentY - originY, contentHeight, height)
+
+        delegate: Loader {
+            id: row
+            required property int index
+            required property var modelData
+            width: table.width
+            objectName: "lugarRow-" + modelData.type
+            sourceComponent: {
+                switch (modelData.kind) {
+                case "lugar-picture-cell": return pictureCell
+                case "lugar-detail-cell": return detailCell
+                case "lugar-call-cell": return callCell
+                case "lugar-testimony-cell": return descriptionCell
+                case "lugar-action-cell": return actionCell
+                case "lugar-notes-cell": return notesCell
+                case "lugar-buttons-cell": return buttonsCell
+                case "lugar-myplaces-cell": return myPlacesCell
+                case "lugar-adv-cell": return adCell
+                case "lugar-opinions-cell": return opinionsCell
+                default: return separatorCell
+                }
+            }
+            onHeightChanged: if (root.controller && height > 0) root.controller.willDisplayRow(index, height)
+            onLoaded: if (root.controller && height > 0) root.controller.willDisplayRow(index, height)
+
+            Component {
+                id: pictureCell
+                LugarPictureCell { entry: row.modelData; controller: root.controller }
+            }
+            Component {
+                id: separatorCell
+                Item { height: 14 }
+            }
+            // One row of a white group: its touch feedback, and the hairline that separates it
+            // from the next unless it closes the group.
+            Component {
+                id: detailCell
+                GroupRow {
+                    contentHeight: Math.max(64, details.implicitHeight + 24)
+                    pressable: row.modelData.selectable === true
+                    closesGroup: row.modelData.shadowInset === 0
+                    Accessible.name: row.modelData.subheader + ". " + row.modelData.text
+                    onTapped: root.controller.didSelectRow(row.index)
+                    Column {
+                        id: details
+                        anchors { left: parent.left; leftMargin: 16; right: icon.left; rightMargin: 8; verticalCenter: parent.verticalCenter }
+                        spacing: 2
+                        Text {
+                            width: parent.width
+                            text: row.modelData.subheader
+                            font: Theme.font("OpenSans-Semibold", 11)
+                            color: "#b2a489"
+                            elide: Text.ElideRight
+                        }
+                        Text {
+                            width: parent.width
+                            text: row.modelData.text
+                            font: Theme.font("OpenSans", 15)
+                            color: "#3a2a22"
+                            wrapMode: Text.Wrap
+                        }
+                    }
+                    Text {
+                        id: icon
+                        anchors { right: parent.right; rightMargin: 14; verticalCenter: parent.verticalCenter }
+                        visible: row.modelData.icon !== undefined
+                        text: row.modelData.icon || ""
+                        font: Theme.font("Velmora-Icons", 20)
+                        color: row.modelData.iconColor || "transparent"
+                    }
+                }
+            }
+            Component {
+                id: callCell
+                Item {
+                    id: callRow
+                    height: 76
+                    readonly property bool enabled: row.modelData.enabled
+                    Rectangle {
+                        objectName: "lugarCallButton"
+                        anchors { fill: parent; leftMargin: 12; rightMargin: 12; topMargin: 12; bottomMargin: 8 }
+                        radius: 8
+                        color: !callRow.enabled ? "#e9e5df" : callArea.pressed ? "#6aa313" : "#79bc16"
+                        Accessible.role: Accessible.Button
+                        Accessible.name: row.modelData.title
+                        Accessible.onPressAction: root.controller.didSelectRow(row.index)
+                        Row {
+                            anchors.centerIn: parent
+                            spacing: 10
+                            Text {
+                                anchors.verticalCenter: parent.verticalCenter
+                                text: row.modelData.icon
+                                font: Theme.font("Velmora-Icons", 26)
+                                color: callRow.enabled ? "white" : "#a9a39a"
+                            }
+                            Text {
+                                anchors.verticalCenter: parent.verticalCenter
+                                text: row.modelData.title
+                                font: Theme.font("OpenSans-Semibold", 16)
+                                color: callRow.enabled ? "white" : "#a9a39a"
+                            }
+                        }
+                        MouseArea { id: callArea; anchors.fill: parent; onClicked: root.controller.didSelectRow(row.index) }
+                    }
+                }
+            }
+            Component {
+                id: descriptionCell
+                Item {
+                    height: description.implicitHeight + 28
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: description.plainText
+                    RichLabel {
+                        id: description
+                        anchors { left: parent.left; leftMargin: 20; right: parent.right; rightMargin: 20; verticalCenter: parent.verticalCenter }
+                        text: row.modelData.text
+                        color: "#5e5247"
+                    }
+                }
+            }
+            Component {
+                id: actionCell
+                GroupRow {
+                    pressable: true
+                    closesGroup: row.modelData.shadowInset === 0
+                    Accessible.name: row.modelData.title + (row.modelData.count !== "" ? ", " + row.modelData.count : "")
+                    onTapped: root.controller.didSelectRow(row.index)
+                    Text {
+                        anchors { left: parent.left; leftMargin: 16; verticalCenter: parent.verticalCenter; right: count.left; rightMargin: 8 }
+                        text: row.modelData.title
+                        font: Theme.font("OpenSans", 15)
+                        color: "#3a2a22"
+                        elide: Text.ElideRight
+                    }
+                    Rectangle {
+                        id: count
+                        anchors { right: chevron.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
+                        visible: row.modelData.count !== ""
+                        width: Math.max(24, countText.implicitWidth + 14); height: 22; radius: 11
+                        color: "#f0ebe3"
+                        Text {
+                            id: countText
+                            anchors.centerIn: parent
+                            text: row.modelData.count
+                            font: Theme.font("OpenSans-Semibold", 12)
+                            color: "#8a7f72"
+                        }
+                    }
+                    Text {
+                        id: chevron
+                        anchors { right: parent.right; rightMargin: 14; verticalCenter: parent.verticalCenter }
+                        text: Theme.icons.cardRight
+                        font: Theme.font("Velmora-Icons", 18)
+                        color: "#cfc6b6"
+                    }
+                }
+            }
+            Component {
+                id: notesCell
+                LugarNotesCell { entry: row.modelData; controller: root.controller }
+            }
+            Component {
+                id: buttonsCell
+                Item {
+                    height: 64
+                    Button {
+                        objectName: "lugarReserveButton"
+                        anchors { fill: parent; leftMargin: 12; rightMargin: 12; topMargin: 6; bottomMargin: 6 }
+                        text: row.modelData.title
+                        font: Theme.font("OpenSans-Semibold", 15)
+                        onClicked: root.controller.didSelectRow(row.index)
+                    }
+                }
+            }
+            Component {
+                id: myPlacesCell
+                Item {
+                    objectName: "lugarMyPlacesRow"
+                    height: 72
+                    Accessible.role: Accessible.Button
+                    Accessible.name: row.modelData.spoken
+                    Accessible.onPressAction: root.controller.didSelectRow(row.index)
+                    // Pulled past the end, the row's colour reaches down to the bottom edge.
+                    Rectangle {
+                        anchors { fill: parent; bottomMargin: root.controller ? root.controller.lastCellBottom : 0 }
+                        color: myPlacesArea.pressed ? "#c44f39" : Theme.colors.barTintColor
+                    }
+                    RichLabel {
+                        anchors.centerIn: parent
+                        text: row.modelData.title
+                        color: "white"
+                    }
+                    MouseArea { id: myPlacesArea; anchors.fill: parent; onClicked: root.controller.didSelectRow(row.index) }
+                }
+            }
+            Component {
+                id: adCell
+                Item {
+                    height: ad.status === Image.Ready ? ad.paintedHeight + 24 : 0
+                    visible: height > 0
+                    Accessible.role: Accessible.Button
+                    Accessible.name: row.modelData.badge
+                    Accessible.onPressAction: root.controller.didSelectRow(row.index)
+                    Image {
+                        id: ad
+                        objectName: "lugarAd"
+                        anchors { left: parent.left; right: parent.right; margins: 12; verticalCenter: parent.verticalCenter }
+                        source: row.modelData.source
+                        sourceSize.width: 2 * width
+                        fillMode: Image.PreserveAspectFit
+                        asynchronous: true
+                    }
+                    Rectangle {
+                        anchors { right: ad.right; top: ad.top; margins: 6 }
+                        width: badge.implicitWidth + 12; height: 18; radius: 4
+                        color: "#99000000"
+                        Text { id: badge; anchors.centerIn: parent; text: row.modelData.badge; font: Theme.font("OpenSans-Semibold", 10); color: "white" }
+                    }
+                    MouseArea { anchors.fill: ad; onClicked: root.controller.didSelectRow(row.index) }
+                }
+            }
+            Component {
+                id: opinionsCell
+                Item {
+                    height: 86
+                    Rectangle {
+                        anchors { fill: parent; margins: 12 }
+                        radius: 8
+                        color: Theme.colors.barTintColor
+                        RichLabel { anchors.centerIn: parent; text: row.modelData.title; color: "white" }
+                    }
+                }
+            }
+        }
+    }
+
+    // Sharing copies the place's name and address; this says so for a moment.
+    Rectangle {
+        id: toast
+        objectName: "lugarSharedToast"
+        anchors { horizontalCenter: parent.horizontalCenter; bottom: parent.bottom; bottomMargin: 32 }
+        width: Math.min(parent.width - 48, toastText.implicitWidth + 32)
+        height: toastText.implicitHeight + 20
+        radius: height / 2
+        color: "#e6332a22"
+        opacity: 0
+        visible: opacity > 0
+        Behavior on opacity { NumberAnimation { duration: 200 } }
+        Text {
+            id: toastText
+            anchors.centerIn: parent
+            width: Math.min(implicitWidth, root.width - 80)
+            text: qsTrId("lugar_shared_copied")
+            font: Theme.font("OpenSans-Semibold", 14)
+            color: "white"
+            wrapMode: Text.Wrap
+            horizontalAlignment: Text.AlignHCenter
+        }
+        Timer { id: toastTimer; interval: 2000; onTriggered: toast.opacity = 0 }
+    }
+    Connections {
+        target: root.controller
+        function onShared() { toast.opacity = 1; toastTimer.restart() }
+    }
+}
