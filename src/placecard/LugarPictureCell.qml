@@ -14,11 +14,14 @@ Item {
     clip: false
 
     readonly property bool gallery: entry.source !== undefined
-    readonly property real pull: -controller.galleryImageTop
+    // The card may go while its page still slides away: no controller, no pull.
+    readonly property real imageTop: controller ? controller.galleryImageTop : 0
+    readonly property real profileY: controller ? controller.profilePicY : 0
+    readonly property real pull: -imageTop
 
     Rectangle {
         id: stage
-        y: cell.controller.galleryImageTop
+        y: cell.imageTop
         width: parent.width
         height: cell.height + cell.pull
         color: "#d9cfc0"
@@ -78,7 +81,7 @@ Item {
             visible: !cell.gallery
             anchors.horizontalCenter: parent.horizontalCenter
             // Below the bar, and following the pull as the controller says.
-            y: 56 + (cell.height - 56 - height) / 2 + cell.controller.profilePicY
+            y: 56 + (cell.height - 56 - height) / 2 + cell.profileY
             width: 132; height: 132; radius: 10
             color: "white"
             Image {

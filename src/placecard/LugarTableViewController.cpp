@@ -220,7 +220,7 @@ QVariantMap LugarTableViewController::rowFor(LugaresCellType cellType) const
     case T::giftsAndReservations: row.insert(QStringLiteral("title"), qtTrId("lugar_reserve_table")); break;
     case T::myPlaces:
         row.insert(QStringLiteral("title"), rendered(QStringLiteral("<myplaces-icon>") + IconFont::myplacesThin
-                                                     + QStringLiteral("</myplaces-icon><myplaces-text>") + qtTrId("lugar_add_to_my_places")
+                                                     + QStringLiteral("</myplaces-icon><myplaces-text>\u2002") + qtTrId("lugar_add_to_my_places")
                                                      + QStringLiteral("</myplaces-text>")));
         row.insert(QStringLiteral("spoken"), qtTrId("lugar_add_to_my_places"));
         break;

@@ -9,6 +9,7 @@ Rectangle {
     property PhoneNumbersViewController controller
     color: "white"
     property int menuRow: -1
+    readonly property real rowHeight: controller ? controller.cellHeight : 75
 
     Column {
         anchors.fill: parent
@@ -20,7 +21,7 @@ Rectangle {
                 required property string modelData
                 objectName: "phoneRow-" + index
                 width: root.width
-                height: root.controller.cellHeight
+                height: root.rowHeight
                 color: rowArea.pressed ? "#f4f1ec" : "white"
                 Accessible.role: Accessible.Button
                 Accessible.name: modelData.trim()
@@ -72,7 +73,7 @@ Rectangle {
         objectName: "phoneCopyMenu"
         visible: root.menuRow >= 0
         x: (root.width - width) / 2
-        y: Math.max(4, root.menuRow * root.controller.cellHeight + 4)
+        y: Math.max(4, root.menuRow * rowHeight + 4)
         width: copyText.implicitWidth + 36
         height: 38
         radius: 8

@@ -2,6 +2,7 @@
 #include "app/AppWindow.h"
 #include "app/SideMenuViewController.h"
 #include "browse/BuscarViewController.h"
+#include "fixtures/DemoWindow.h"
 #include "fixtures/QuickItems.h"
 #include "fixtures/TestHome.h"
 #include "catalogue/Restaurants.h"
@@ -18,60 +19,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-// The app's window on a 400-place demo guide, drawn offscreen.
-struct DemoWindow {
-    // `switches`: developer settings turned on before the app starts.
-    explicit DemoWindow(const QStringList &switches = {})
-    {
-        DemoOptions options;
-        options.places = 400;
-        QString error;
-        if (!writeCatalogue(makeDemo(options), home.documents() + QStringLiteral("/velmora-20261101.db"), &error))
-            qFatal("%s", qPrintable(error));
-        home.defaults().setInteger(1, QStringLiteral("Province"));
-        for (const QString &key : switches)
-            home.defaults().setBool(true, key);
-        delegate.didFinishLaunching();
-        window = std::make_unique<AppWindow>(delegate);
-        if (!window->load() || !QTest::qWaitForWindowExposed(window->window()))
-            qFatal("the window did not show");
-    }
-    QQuickItem *item(const char *name) const { return findItem(window->window()->contentItem(), QString::fromLatin1(name)); }
-    QQuickItem *itemWhere(const std::function<bool(QQuickItem *)> &matches) const
-    {
-        return findItemIf(window->window()->contentItem(), matches);
-    }
-    int visibleCards() const
-    {
-        int cards = 0;
-        findItemIf(window->window()->contentItem(), [&](QQuickItem *candidate) {
-            if (candidate->objectName().startsWith(QLatin1String("placeCard-")) && candidate->isVisible())
-                ++cards;
-            return false;
-        });
-        return cards;
-    }
-    BuscarViewController *search() const
-    {
-        return qobject_cast<BuscarViewController *>(delegate.mainNavigation()->viewControllers().first());
-    }
-    void save(const char *name)
-    {
-        QTest::qWait(350); // let slides and fades finish
-        const QImage image = window->grab();
-        ASSERT_FALSE(image.isNull());
-        QDir().mkpath(QStringLiteral(VELMORA_TEST_OUTPUT));
-        // The Spanish run keeps its own pictures beside the English ones.
-        const QString language = Localize::currentLanguage() == QLatin1String("es") ? QStringLiteral("-es") : QString();
-        EXPECT_TRUE(image.save(QStringLiteral(VELMORA_TEST_OUTPUT "/%1%2.png").arg(QString::fromLatin1(name), language)));
-    }
-
-    TestHome home;
-    AppDelegate delegate;
-    std::unique_ptr<AppWindow> window;
-};
-}
 
 // Drives the main interface offscreen and saves what a user sees: the capital's list, the open
 // drawer, a search typed into the bar, and the phone sheet opened by swiping a card and tapping
@@ -187,13 +134,6 @@ TEST(MainInterface, AnOpenSwipeDoesNotOutliveItsRow)
         return false;
     });
     EXPECT_TRUE(ui.item("sectionIndexArea")->property("enabled").toBool());
-}
-
-namespace {
-void tap(QQuickWindow *window, QQuickItem *item)
-{
-    QTest::mouseClick(window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
-}
 }
 
 // Catches: a title that doesn't open the picker when tapped, a picker that doesn't drop from the

@@ -1,0 +1,155 @@
+#include "catalogue/MyPlacesLists.h"
+#include "fixtures/DemoWindow.h"
+#include "personal/MyPlacesViewController.h"
+#include "placecard/LugarTableViewController.h"
+#include "platform/DefaultKeys.h"
+#include "presentation/UrlOpener.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+namespace {
+QPoint centreOf(QQuickItem *item) { return item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint(); }
+
+// A finger dragging from `from` by `by`, in small steps, and lifting.
+void drag(QQuickWindow *window, QPoint from, QPoint by, bool release = true)
+{
+    QTest::mousePress(window, Qt::LeftButton, {}, from);
+    for (int step = 1; step <= 12; ++step)
+        QTest::mouseMove(window, from + by * step / 12, 16);
+    if (release)
+        QTest::mouseRelease(window, Qt::LeftButton, {}, from + by);
+}
+
+LugarTableViewController *openCard(DemoWindow &ui) { return qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController()); }
+
+// Brings a row of the card on screen by dragging the table up, as a thumb would.
+QQuickItem *scrollTo(DemoWindow &ui, const char *name)
+{
+    QQuickWindow *window = ui.window->window();
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        QQuickItem *row = ui.item(name);
+        if (row && row->isVisible()) {
+            const QRectF shown = row->mapRectToScene(QRectF(0, 0, row->width(), row->height()));
+            if (shown.top() >= 56 && shown.bottom() <= window->height() + 1)
+                return row;
+        }
+        drag(window, QPoint(200, 600), QPoint(0, -250));
+        // A tap on a table still in motion only stops it.
+        QTest::qWaitFor([&] { return !ui.item("lugarTable")->property("moving").toBool(); }, 3000);
+    }
+    return nullptr;
+}
+}
+
+// Catches: a card that a tapped row doesn't open, a header that doesn't stretch under a pull,
+// a bar that doesn't turn red as the picture scrolls away, a call row or phone row that taps
+// don't reach, a copy menu that copies nothing, a save sheet whose toggles and button don't
+// file the place, and My places that doesn't show the saved place or lose it to a swipe.
+TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    LugaresTableViewController *list = ui.search()->lugaresVC();
+    // The first listed place with a phone, a description and no pictures: its card has a call
+    // row to tap, its profile picture over its blur, and an ad, so it is long enough to scroll.
+    int placeId = -1;
+    for (int row = 0; row < list->rows()->rowCount() && placeId < 0; ++row) {
+        const auto info = Restaurants::shared().restaurantInfo(list->idAtRow(row));
+        QQuickItem *shown = info ? ui.item(qPrintable(QStringLiteral("placeCard-%1").arg(info->id))) : nullptr;
+        if (shown && shown->isVisible() && shown->mapToScene(QPointF(0, shown->height())).y() < window->height()
+            && info->hasPhone && !info->hasGallery && !info->description.isEmpty() && !Restaurants::shared().profileImage(info->id).isEmpty())
+            placeId = info->id;
+    }
+    ASSERT_GE(placeId, 0);
+    QQuickItem *listCard = ui.item(qPrintable(QStringLiteral("placeCard-%1").arg(placeId)));
+    ASSERT_TRUE(listCard && listCard->isVisible());
+    tap(window, listCard);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarView") && openCard(ui); }, 3000));
+    LugarTableViewController *card = openCard(ui);
+    EXPECT_EQ(card->rid(), placeId);
+    QTest::qWait(600);
+    EXPECT_TRUE(card->barTranslucent()) << "the bar starts as a grey veil over the picture";
+    ui.save("card-top");
+
+    // Pulled down, the picture grows with the pull; let go, it settles back.
+    drag(window, QPoint(200, 300), QPoint(0, 120), false);
+    EXPECT_LT(card->galleryImageTop(), -20);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, QPoint(200, 420));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return card->galleryImageTop() == 0; }, 3000));
+
+    // Scrolled up past the picture, the bar is the brand's red.
+    drag(window, QPoint(200, 600), QPoint(0, -320));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return card->barColor() == QColor(QStringLiteral("#d95b43")); }, 3000));
+    EXPECT_FALSE(card->barTranslucent());
+    ui.save("card-scrolled");
+
+    // The call row opens the sheet; a tap on a number dials it, holding it copies it.
+    QList<QUrl> dialled;
+    UrlOpener::setUrlOpener([&](const QUrl &url) {
+        dialled.append(url);
+        return true;
+    });
+    QQuickItem *call = scrollTo(ui, "lugarCallButton");
+    ASSERT_TRUE(call);
+    tap(window, call);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("phoneRow-0") != nullptr; }, 2000));
+    QTest::qWait(400);
+    tap(window, ui.item("phoneRow-0"));
+    ASSERT_EQ(dialled.size(), 1);
+    EXPECT_TRUE(dialled.first().toString().startsWith(QStringLiteral("tel:/")));
+    QTest::mousePress(window, Qt::LeftButton, {}, centreOf(ui.item("phoneRow-0")));
+    QTest::qWait(700);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, centreOf(ui.item("phoneRow-0")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("phoneCopyMenu")->isVisible(); }, 1000));
+    tap(window, ui.item("phoneCopyMenu"));
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), Restaurants::shared().phones(placeId).first());
+    EXPECT_EQ(dialled.size(), 1) << "holding a number doesn't dial it";
+    tap(window, ui.item("phonesCancel"));
+    // The dim fades out after the sheet has gone, and takes taps until it has.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("phoneNumbersView") == nullptr && !ui.item("dimming")->isVisible(); }, 2000));
+    UrlOpener::setUrlOpener([](const QUrl &) { return false; });
+
+    // "Save to my places" opens the sheet; favourite, then done, files the place.
+    QQuickItem *save = scrollTo(ui, "lugarMyPlacesRow");
+    ASSERT_TRUE(save);
+    tap(window, save);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("saveToggle-favorite") != nullptr; }, 2000));
+    QTest::qWait(400);
+    tap(window, ui.item("saveToggle-favorite"));
+    ui.save("save-sheet");
+    tap(window, ui.item("saveSheetAction"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("saveToMyPlacesView") == nullptr && !ui.item("dimming")->isVisible(); }, 2000));
+    EXPECT_EQ(ui.home.defaults().intArrayForKey(DefaultKeys::favoritos), QList<int>{placeId});
+
+    // Back to the list, and through the side menu to My places, where the place stands.
+    tap(window, ui.item("barButton-back"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarView") == nullptr; }, 3000));
+    tap(window, ui.item("barButton-menu"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("menuRow-myplaces") && ui.item("menuRow-myplaces")->isVisible(); }, 2000));
+    QTest::qWait(400);
+    tap(window, ui.item("menuRow-myplaces"));
+    const QString savedCard = QStringLiteral("placeCard-%1").arg(placeId);
+    // The search screen's own card of the place stays beneath, hidden: the one shown is My places'.
+    const auto shownCard = [&] {
+        return ui.itemWhere([&](QQuickItem *item) { return item->objectName() == savedCard && item->isVisible(); });
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shownCard() != nullptr; }, 3000));
+    QTest::qWait(400);
+    ui.save("myplaces");
+
+    // A swipe uncovers delete; the place leaves the list and the store, and the empty view,
+    // whose button leads to the discover feed, comes up.
+    QQuickItem *saved = shownCard();
+    drag(window, saved->mapToScene(QPointF(saved->width() - 40, saved->height() / 2)).toPoint(), QPoint(-250, 0));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("swipeButton-delete") && ui.item("swipeButton-delete")->isVisible(); }, 2000));
+    QTest::qWait(400);
+    tap(window, ui.item("swipeButton-delete"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesEmpty") && ui.item("myPlacesEmpty")->isVisible(); }, 3000));
+    EXPECT_TRUE(ui.home.defaults().intArrayForKey(DefaultKeys::favoritos).isEmpty());
+    ui.save("myplaces-empty");
+    tap(window, ui.item("myPlacesExplore"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesView") == nullptr; }, 3000));
+    EXPECT_EQ(ui.search()->tabs().value(ui.search()->selectedTab()), QStringLiteral("discover"));
+}
