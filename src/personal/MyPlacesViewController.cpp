@@ -114,16 +114,13 @@ void MyPlacesViewController::showSelectedTab()
 {
     if (m_selectedSegment < 0 || m_selectedSegment >= MyPlacesLists::count)
         return;
-    // Ids the catalogue no longer knows are left out of the list, and kept in the store: a
-    // later catalogue may know them again.
-    QSet<int> known;
-    for (int id : std::as_const(m_lists.sets[m_selectedSegment]))
-        if (m_restaurants.brief(id))
-            known.insert(id);
-    if (known.isEmpty())
+    // Ids the catalogue no longer knows are left out by the list, and kept in the store: a later
+    // catalogue may know them again. A list of only such ids is as good as empty.
+    const QSet<int> &ids = m_lists.sets[m_selectedSegment];
+    if (ids.isEmpty() || m_restaurants.sortedEntries(ids, QString()).isEmpty())
         showEmpty(m_selectedSegment);
     else
-        showLugares(known);
+        showLugares(ids);
 }
 
 void MyPlacesViewController::showLugares(const QSet<int> &ids)
