@@ -18,7 +18,7 @@ Item {
         Text {
             objectName: "lugarNotesPlaceholder"
             anchors { left: parent.left; leftMargin: 16; right: parent.right; rightMargin: 16; top: parent.top; topMargin: 16 }
-            visible: cell.controller.notePlaceholderVisible
+            visible: cell.controller ? cell.controller.notePlaceholderVisible : false
             text: cell.entry.placeholder
             font: Theme.font("OpenSans-Semibold", 12)
             color: "#b2a489"
@@ -28,13 +28,15 @@ Item {
             id: note
             objectName: "lugarNotes"
             anchors { left: parent.left; leftMargin: 8; right: parent.right; rightMargin: 8; top: parent.top; topMargin: 6 }
-            text: cell.controller.noteText
+            text: cell.controller ? cell.controller.noteText : ""
             font: Theme.font("OpenSans", 15)
             color: "#3a2a22"
             wrapMode: TextEdit.Wrap
             background: null
             Accessible.name: cell.entry.placeholder
             onActiveFocusChanged: {
+                if (!cell.controller)
+                    return
                 if (activeFocus)
                     cell.controller.textViewDidBeginEditing()
                 else

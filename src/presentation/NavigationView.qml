@@ -14,13 +14,15 @@ Item {
     readonly property ViewController topController: navigation.topViewController
     readonly property Item topPage: stack.currentItem
 
-    function pageFor(controller) {
+    // The stack view makes each page from its controller's view and destroys it once popped:
+    // screens that come and go (a place's card) leave nothing behind.
+    function componentFor(controller) {
         const component = Qt.createComponent(controller.viewUrl)
         if (component.status !== Component.Ready) {
             console.warn("Can't load", controller.viewUrl, component.errorString())
             return null
         }
-        return component.createObject(null, { controller: controller })
+        return component
     }
 
     // Follows the controller's stack: a push, a pop to any depth, or a new root.
@@ -37,9 +39,10 @@ Item {
             stack.pop(stack.get(common - 1, StackView.DontLoad), animated ? StackView.PopTransition : StackView.Immediate)
         }
         for (let i = common; i < controllers.length; ++i) {
-            const page = pageFor(controllers[i])
-            if (page)
-                stack.push(page, {}, animated && i === controllers.length - 1 ? StackView.PushTransition : StackView.Immediate)
+            const component = componentFor(controllers[i])
+            if (component)
+                stack.push(component, { controller: controllers[i] },
+                           animated && i === controllers.length - 1 ? StackView.PushTransition : StackView.Immediate)
         }
     }
 
