@@ -4,7 +4,7 @@
 // Each visible card of the capital's list is opened and closed again, several rounds.
 //   card_open [places] [rounds]
 
-#include "app/AppDelegate.h"
+#include "BenchApp.h"
 #include "app/AppWindow.h"
 #include "browse/BuscarViewController.h"
 #include "catalogue/Restaurants.h"
@@ -56,31 +56,9 @@ int main(int argc, char **argv)
     QGuiApplication app(argc, argv);
     const int places = argc > 1 ? QString::fromLatin1(argv[1]).toInt() : 20000;
     const int rounds = argc > 2 ? QString::fromLatin1(argv[2]).toInt() : 3;
-    QTemporaryDir home;
-    Paths::setRoot(home.path());
-    QDir().mkpath(Paths::documents());
-    const QString made = qEnvironmentVariable("VELMORA_BENCH_DEMO");
-    const QString installed = Paths::documents() + QStringLiteral("/velmora-20261101.db");
-    if (!made.isEmpty()) {
-        if (!QFile::link(made, installed))
-            qFatal("can't link %s", qPrintable(made));
-    } else {
-        DemoOptions options;
-        options.places = places;
-        QString error;
-        if (!writeCatalogue(makeDemo(options), installed, &error))
-            qFatal("%s", qPrintable(error));
-    }
-    UserDefaults::standard().setInteger(1, QStringLiteral("Province"));
-
-    AppDelegate delegate;
-    delegate.didFinishLaunching();
-    AppWindow window(delegate);
-    if (!window.load() || !QTest::qWaitForWindowExposed(window.window()))
-        qFatal("no window");
-    QQuickWindow *quick = window.window();
-    NavigationController *navigation = delegate.mainNavigation();
-    QTest::qWait(1500); // the first list of the capital
+    BenchApp bench(places);
+    QQuickWindow *quick = bench.window->window();
+    NavigationController *navigation = bench.delegate->mainNavigation();
 
     QStringList cards;
     findItemIf(quick->contentItem(), [&](QQuickItem *item) {

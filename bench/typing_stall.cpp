@@ -4,7 +4,7 @@
 // through, a screenful at a time.
 //   typing_stall [places] [--no-scroll]
 
-#include "app/AppDelegate.h"
+#include "BenchApp.h"
 #include "app/AppWindow.h"
 #include "browse/BuscarViewController.h"
 #include "platform/Paths.h"
@@ -45,32 +45,10 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     const int places = argc > 1 && argv[1][0] != '-' ? QString::fromLatin1(argv[1]).toInt() : 20000;
-    QTemporaryDir home;
-    Paths::setRoot(home.path());
-    QDir().mkpath(Paths::documents());
-    // A demo made by the toolkit beforehand (VELMORA_BENCH_DEMO names the file) keeps the
-    // making of it out of this process's memory figures; otherwise it is made here.
-    const QString made = qEnvironmentVariable("VELMORA_BENCH_DEMO");
-    const QString installed = Paths::documents() + QStringLiteral("/velmora-20261101.db");
-    if (!made.isEmpty()) {
-        if (!QFile::link(made, installed))
-            qFatal("can't link %s", qPrintable(made));
-    } else {
-        DemoOptions options;
-        options.places = places;
-        QString error;
-        if (!writeCatalogue(makeDemo(options), installed, &error))
-            qFatal("%s", qPrintable(error));
-    }
-    UserDefaults::standard().setInteger(1, QStringLiteral("Province"));
-
-    AppDelegate delegate;
-    delegate.didFinishLaunching();
-    AppWindow window(delegate);
-    if (!window.load() || !QTest::qWaitForWindowExposed(window.window()))
-        qFatal("no window");
+    BenchApp bench(places);
+    AppDelegate &delegate = *bench.delegate;
+    AppWindow &window = *bench.window;
     auto *search = qobject_cast<BuscarViewController *>(delegate.mainNavigation()->viewControllers().first());
-    QTest::qWait(1500); // the first list of the capital
 
     const int listed = search->lugaresVC()->rows()->rowCount();
     search->searchTapped();
