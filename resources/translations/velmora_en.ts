@@ -635,5 +635,13 @@ It opens by itself as soon as it is there.</translation>
         <source>myplaces_done</source>
         <translation>Done</translation>
     </message>
+    <message id="a11y_picture_unreadable">
+        <source>a11y_picture_unreadable</source>
+        <translation>This picture can't be shown</translation>
+    </message>
+    <message id="gallery_copied">
+        <source>gallery_copied</source>
+        <translation>Picture and caption copied, ready to paste</translation>
+    </message>
 </context>
 </TS>

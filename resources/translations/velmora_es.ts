@@ -635,5 +635,13 @@ Se abrirá solo en cuanto esté allí.</translation>
         <source>myplaces_done</source>
         <translation>Listo</translation>
     </message>
+    <message id="a11y_picture_unreadable">
+        <source>a11y_picture_unreadable</source>
+        <translation>Esta foto no se puede mostrar</translation>
+    </message>
+    <message id="gallery_copied">
+        <source>gallery_copied</source>
+        <translation>Foto y pie copiados, listos para pegar</translation>
+    </message>
 </context>
 </TS>

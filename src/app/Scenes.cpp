@@ -6,7 +6,10 @@
 #include "browse/ProvincesTableViewController.h"
 #include "catalogue/Restaurants.h"
 #include "personal/MyPlacesViewController.h"
+#include "placecard/GalleryViewController.h"
 #include "placecard/LugarTableViewController.h"
+#include "placecard/MenuTableViewController.h"
+#include "placecard/MoreInfoTableViewController.h"
 #include "placecard/PhoneNumbersViewController.h"
 #include "placecard/SaveToMyPlacesViewController.h"
 #include "platform/UserDefaults.h"
@@ -49,6 +52,14 @@ void registerApplicationScenes()
     Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("lugar-view-controller"), [](QObject *parent) -> ViewController * {
         return new LugarTableViewController(Restaurants::shared(), UserDefaults::standard(), parent);
     });
+    Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("pictures-nav-controller"),
+                              [](QObject *parent) -> ViewController * { return new GalleryViewController(parent); });
+    Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("menu-view-controller"), [](QObject *parent) -> ViewController * {
+        return new MenuTableViewController(Restaurants::shared(), parent);
+    });
+    Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("more-info-view-controller"), [](QObject *parent) -> ViewController * {
+        return new MoreInfoTableViewController(Restaurants::shared(), parent);
+    });
     Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("save-to-myplaces-vc"), [](QObject *parent) -> ViewController * {
         return new SaveToMyPlacesViewController(UserDefaults::standard(), parent);
     });
@@ -58,9 +69,6 @@ void registerApplicationScenes()
 
     using Place = PlaceholderViewController::Place;
     placeholder("Lugar", "lugar-map-view-controller", "map_title", Place::Pushed);
-    placeholder("Lugar", "pictures-nav-controller", "lugar_gallery", Place::Pushed);
-    placeholder("Lugar", "menu-view-controller", "lugar_menu", Place::Pushed);
-    placeholder("Lugar", "more-info-view-controller", "lugar_moreinfo", Place::Pushed);
     placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);
     placeholder("Info_Settings", "info-view-controller", "sidemenu_info", Place::TopLevel);
     placeholder("Info_Settings", "settings-view-controller", "settings_title", Place::TopLevel);

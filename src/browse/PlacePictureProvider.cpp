@@ -22,13 +22,17 @@ QImage PlacePictureProvider::requestImage(const QString &id, QSize *size, const 
         image = QImage::fromData(Restaurants::shared().galleryImage(placeId));
     else if (ok && kind == QLatin1String("ad"))
         image = QImage::fromData(Restaurants::shared().adImage(placeId));
-    // A view may ask for one side only (the other 0): the picture keeps its proportions.
-    if (!image.isNull() && requestedSize.width() > 0 && requestedSize.height() > 0)
-        image = image.scaled(requestedSize, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
-    else if (!image.isNull() && requestedSize.width() > 0)
+    // A view may ask for one side only (the other 0): the picture keeps its proportions. A
+    // picture is made smaller to the size asked, never larger: that would only cost memory.
+    if (!image.isNull() && requestedSize.width() > 0 && requestedSize.height() > 0) {
+        const QSize covering = image.size().scaled(requestedSize, Qt::KeepAspectRatioByExpanding);
+        if (covering.width() < image.width())
+            image = image.scaled(covering, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    } else if (!image.isNull() && requestedSize.width() > 0 && requestedSize.width() < image.width()) {
         image = image.scaledToWidth(requestedSize.width(), Qt::SmoothTransformation);
-    else if (!image.isNull() && requestedSize.height() > 0)
+    } else if (!image.isNull() && requestedSize.height() > 0 && requestedSize.height() < image.height()) {
         image = image.scaledToHeight(requestedSize.height(), Qt::SmoothTransformation);
+    }
     if (size)
         *size = image.size();
     return image;

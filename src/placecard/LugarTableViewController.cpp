@@ -1,5 +1,6 @@
 #include "LugarTableViewController.h"
 
+#include "GalleryViewController.h"
 #include "SaveToMyPlacesViewController.h"
 #include "presentation/AdActions.h"
 #include "PlaceCards.h"
@@ -129,8 +130,12 @@ void LugarTableViewController::setupCells()
         m_cells.append(T::comments);
     // The gallery row and the picture follow the picture ids, not the record's flag.
     m_gallery = m_restaurants.galleryImageIds(restInfo->id);
-    if (!m_gallery.isEmpty())
+    if (!m_gallery.isEmpty()) {
         m_cells.append(T::gallery);
+        auto provider = std::make_shared<RestaurantPicturesProvider>(m_restaurants);
+        provider->imageIds = m_gallery;
+        m_galleryProvider = std::move(provider);
+    }
     if (restInfo->offers > 0)
         m_cells.append(T::offers);
     if (restInfo->hasMenu)
@@ -274,7 +279,6 @@ bool LugarTableViewController::performSegue(const QString &identifier)
     // Pushed screens by segue: storyboard and identifier of the destination.
     static const QHash<QString, std::pair<QString, QString>> pushed = {
         {QStringLiteral("lugar-show-map"), {QStringLiteral("Lugar"), QStringLiteral("lugar-map-view-controller")}},
-        {QStringLiteral("show-pictures"), {QStringLiteral("Lugar"), QStringLiteral("pictures-nav-controller")}},
         {QStringLiteral("lugar-show-offers"), {QStringLiteral("Buscar"), QStringLiteral("offers-view-controller")}},
         {QStringLiteral("lugar-show-menu"), {QStringLiteral("Lugar"), QStringLiteral("menu-view-controller")}},
         {QStringLiteral("lugar-show-more-info"), {QStringLiteral("Lugar"), QStringLiteral("more-info-view-controller")}},
@@ -293,6 +297,15 @@ bool LugarTableViewController::performSegue(const QString &identifier)
     }
     if (identifier == QLatin1String("show-phone-numbers"))
         return showPhoneNumbers(navigation, m_restaurants, id, this);
+    if (identifier == QLatin1String("show-pictures")) {
+        auto *gallery = qobject_cast<GalleryViewController *>(Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("pictures-nav-controller"), this));
+        if (!gallery)
+            return false;
+        gallery->setProvider(m_galleryProvider);
+        gallery->setRestaurantName(restInfo->name);
+        navigation->presentViewController(gallery, true, Presentation::bottomSheet());
+        return true;
+    }
     if (identifier == QLatin1String("show-myplaces")) {
         auto *sheet = qobject_cast<SaveToMyPlacesViewController *>(Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("save-to-myplaces-vc"), this));
         if (!sheet)

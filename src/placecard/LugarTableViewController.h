@@ -9,8 +9,10 @@
 #include <QList>
 #include <QVariantList>
 
+#include <memory>
 #include <optional>
 
+class PagedPicturesProvider;
 class Restaurants;
 class UserDefaults;
 
@@ -132,6 +134,7 @@ private:
     RichString R;
     QList<LugaresCellType> m_cells;
     QList<int> m_gallery;
+    std::shared_ptr<PagedPicturesProvider> m_galleryProvider;
     std::optional<Ad> m_ad;
     QVariantList m_rows;
     QHash<int, qreal> m_heightCache;

@@ -254,28 +254,10 @@ Rectangle {
             }
             Component {
                 id: adCell
-                Item {
-                    height: ad.status === Image.Ready ? ad.paintedHeight + 24 : 0
-                    visible: height > 0
-                    Accessible.role: Accessible.Button
-                    Accessible.name: row.modelData.badge
-                    Accessible.onPressAction: root.controller.didSelectRow(row.index)
-                    Image {
-                        id: ad
-                        objectName: "lugarAd"
-                        anchors { left: parent.left; right: parent.right; margins: 12; verticalCenter: parent.verticalCenter }
-                        source: row.modelData.source
-                        sourceSize.width: 2 * width
-                        fillMode: Image.PreserveAspectFit
-                        asynchronous: true
-                    }
-                    Rectangle {
-                        anchors { right: ad.right; top: ad.top; margins: 6 }
-                        width: badge.implicitWidth + 12; height: 18; radius: 4
-                        color: "#99000000"
-                        Text { id: badge; anchors.centerIn: parent; text: row.modelData.badge; font: Theme.font("OpenSans-Semibold", 10); color: "white" }
-                    }
-                    MouseArea { anchors.fill: ad; onClicked: root.controller.didSelectRow(row.index) }
+                AdRow {
+                    source: row.modelData.source
+                    badge: row.modelData.badge
+                    onTapped: root.controller.didSelectRow(row.index)
                 }
             }
             Component {
@@ -294,31 +276,13 @@ Rectangle {
     }
 
     // Sharing copies the place's name and address; this says so for a moment.
-    Rectangle {
+    Toast {
         id: toast
         objectName: "lugarSharedToast"
-        anchors { horizontalCenter: parent.horizontalCenter; bottom: parent.bottom; bottomMargin: 32 }
-        width: Math.min(parent.width - 48, toastText.implicitWidth + 32)
-        height: toastText.implicitHeight + 20
-        radius: height / 2
-        color: "#e6332a22"
-        opacity: 0
-        visible: opacity > 0
-        Behavior on opacity { NumberAnimation { duration: 200 } }
-        Text {
-            id: toastText
-            anchors.centerIn: parent
-            width: Math.min(implicitWidth, root.width - 80)
-            text: qsTrId("lugar_shared_copied")
-            font: Theme.font("OpenSans-Semibold", 14)
-            color: "white"
-            wrapMode: Text.Wrap
-            horizontalAlignment: Text.AlignHCenter
-        }
-        Timer { id: toastTimer; interval: 2000; onTriggered: toast.opacity = 0 }
+        text: qsTrId("lugar_shared_copied")
     }
     Connections {
         target: root.controller
-        function onShared() { toast.opacity = 1; toastTimer.restart() }
+        function onShared() { toast.show() }
     }
 }

@@ -4,6 +4,7 @@
 #include "platform/Localize.h"
 #include "platform/Logging.h"
 #include "platform/OperationQueue.h"
+#include "platform/UserDefaults.h"
 #include "richtext/FontRegistry.h"
 #include "richtext/IconFont.h"
 
@@ -34,6 +35,14 @@ QUrl Globals::updateURL()
 {
     const QString overridden = qEnvironmentVariable("VELMORA_UPDATE_URL");
     return QUrl(overridden.isEmpty() ? QStringLiteral("http://updates.velmora.app/ios/last.txt") : overridden);
+}
+
+QString Globals::siteURL()
+{
+    QString site = UserDefaults::standard().stringForKey(QStringLiteral("site-url"));
+    if (site.isEmpty())
+        site = QStringLiteral("https://velmora.app/");
+    return site.endsWith(QLatin1Char('/')) ? site : site + QLatin1Char('/');
 }
 
 #define VELMORA_FONT(member, name, size)                                                                      \

@@ -15,6 +15,9 @@ OperationQueue &backgroundQueue();
 // The update announcement: `/ios/last.txt` on the project's update host. VELMORA_UPDATE_URL
 // points a deployment or a test at another server.
 QUrl updateURL();
+// The product's web site, ending in "/": where a place's page lives. A deployment value, set
+// under "site-url" in resources/Defaults.json.
+QString siteURL();
 
 // The app's fonts and colours, each made once on first use. Fonts resolve through the
 // FontRegistry, so the first call must come after the interface has registered its fonts.

@@ -1,7 +1,9 @@
 #include "catalogue/MyPlacesLists.h"
 #include "fixtures/DemoWindow.h"
 #include "personal/MyPlacesViewController.h"
+#include "placecard/GalleryViewController.h"
 #include "placecard/LugarTableViewController.h"
+#include "placecard/MenuTableViewController.h"
 #include "platform/DefaultKeys.h"
 #include "presentation/UrlOpener.h"
 
@@ -152,4 +154,107 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     tap(window, ui.item("myPlacesExplore"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesView") == nullptr; }, 3000));
     EXPECT_EQ(ui.search()->tabs().value(ui.search()->selectedTab()), QStringLiteral("discover"));
+}
+
+// Catches: card rows that don't reach their screens, a section header a tap doesn't open, a
+// gallery that a swipe doesn't page or that makes every page at once, zoom that a double tap,
+// the wheel or a turn of the window doesn't change, and a close button that doesn't close.
+TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    LugaresTableViewController *list = ui.search()->lugaresVC();
+    int placeId = -1;
+    for (int row = 0; row < list->rows()->rowCount() && placeId < 0; ++row) {
+        const int id = list->idAtRow(row);
+        const auto info = Restaurants::shared().restaurantInfo(id);
+        if (info && info->hasMenu && Restaurants::shared().galleryImageIds(id).size() >= 3)
+            placeId = id;
+    }
+    ASSERT_GE(placeId, 0);
+    ASSERT_TRUE(ui.search()->openPlace(placeId, false));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarView") != nullptr; }, 3000));
+    QTest::qWait(400);
+    const auto back = [&](const char *screen) {
+        tap(window, ui.item("barButton-back"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item(screen) == nullptr; }, 3000));
+        QTest::qWait(400);
+    };
+
+    QQuickItem *menuRow = scrollTo(ui, "lugarRow-menu");
+    ASSERT_TRUE(menuRow);
+    tap(window, menuRow);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("menuSection-1") != nullptr; }, 3000));
+    QTest::qWait(400);
+    ui.save("menu");
+    auto *menu = qobject_cast<MenuTableViewController *>(ui.delegate.mainNavigation()->topViewController());
+    ASSERT_TRUE(menu);
+    tap(window, ui.item("menuSection-1"));
+    EXPECT_TRUE(menu->openSections().contains(1));
+    ui.save("menu-open");
+    back("menuView");
+
+    QQuickItem *moreInfoRow = scrollTo(ui, "lugarRow-moreInfo");
+    ASSERT_TRUE(moreInfoRow);
+    tap(window, moreInfoRow);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("moreInfoView") != nullptr; }, 3000));
+    QTest::qWait(600);
+    ui.save("moreinfo");
+    back("moreInfoView");
+
+    QQuickItem *galleryRow = scrollTo(ui, "lugarRow-gallery");
+    ASSERT_TRUE(galleryRow);
+    tap(window, galleryRow);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("galleryView") != nullptr; }, 3000));
+    auto *gallery = qobject_cast<GalleryViewController *>(ui.delegate.mainNavigation()->presentedViewController());
+    ASSERT_TRUE(gallery);
+    const auto page = [&](int number) {
+        return ui.itemWhere([&](QQuickItem *item) { return item->objectName() == QStringLiteral("galleryPage-%1").arg(number); });
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return page(1) && page(1)->property("limits").toMap().value(QStringLiteral("minimum")).toReal() > 0
+                                             && ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("galleryPicture")
+                                                                                            && item->property("status").toInt() == 1; }); },
+                                3000));
+    QTest::qWait(400);
+    ui.save("gallery");
+    EXPECT_EQ(page(gallery->pageCount()), nullptr) << "pages far from the shown one are not made";
+
+    // A swipe to the left shows the next page.
+    QTest::mousePress(window, Qt::LeftButton, {}, QPoint(320, 420));
+    for (int step = 1; step <= 10; ++step)
+        QTest::mouseMove(window, QPoint(320 - 26 * step, 420), 16);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, QPoint(60, 420));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 2; }, 3000));
+    QTest::qWait(600);
+
+    // A double tap zooms in and another comes back; the wheel zooms too.
+    QQuickItem *second = page(2);
+    ASSERT_TRUE(second);
+    QTest::qWaitFor([&] { return second->property("limits").toMap().value(QStringLiteral("minimum")).toReal() > 0; }, 2000);
+    const QPoint middle(195, 420);
+    QTest::mouseDClick(window, Qt::LeftButton, {}, middle);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return second->property("zoomed").toBool(); }, 1000));
+    QTest::qWait(500);
+    QTest::mouseDClick(window, Qt::LeftButton, {}, middle);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !second->property("zoomed").toBool(); }, 1000));
+    QTest::qWait(500);
+    EXPECT_FALSE(gallery->uihidden()) << "the taps of a double tap don't also toggle the bars";
+    const QPointF at(middle);
+    QWheelEvent wheel{at, at, QPoint(), QPoint(0, 240), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false};
+    QGuiApplication::sendEvent(window, &wheel);
+    EXPECT_TRUE(second->property("zoomed").toBool());
+
+    // Turned to landscape, the page fits its picture to the new shape.
+    window->resize(844, 390);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return second->width() == 844; }, 2000));
+    QTest::qWait(500);
+    EXPECT_FALSE(second->property("zoomed").toBool());
+    EXPECT_EQ(gallery->currentPage(), 2);
+    ui.save("gallery-landscape");
+    window->resize(390, 844);
+    QTest::qWait(300);
+
+    tap(window, ui.item("galleryClose"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("galleryView") == nullptr; }, 3000));
 }
