@@ -8,11 +8,14 @@
 #include "toolkit/DemoGenerator.h"
 
 #include <QDir>
+#include <QElapsedTimer>
+#include <QTimer>
 #include <QFile>
 #include <QQuickWindow>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 
 // The app in an offscreen window on a demo of `places` places, in a fresh home, with the capital
@@ -47,4 +50,43 @@ struct BenchApp {
     QTemporaryDir home;
     std::unique_ptr<AppDelegate> delegate; // made once the home is in place
     std::unique_ptr<AppWindow> window;
+};
+
+// A watchdog on the main thread: a 1 ms timer whose late ticks are the thread's stalls.
+struct StallWatch {
+    StallWatch()
+    {
+        clock.start();
+        timer.setInterval(1);
+        timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&timer, &QTimer::timeout, [this] {
+            const qint64 now = clock.nsecsElapsed();
+            if (last)
+                gaps.append(now - last);
+            last = now;
+        });
+    }
+    // Starts counting from now, so that work done before the first tick counts too.
+    void start()
+    {
+        gaps.clear();
+        last = clock.nsecsElapsed();
+        timer.start();
+    }
+    void stop()
+    {
+        timer.stop();
+        std::sort(gaps.begin(), gaps.end());
+    }
+    double longestMs() const { return gaps.isEmpty() ? 0 : gaps.last() / 1e6; }
+    double percentileMs(int percent) const
+    {
+        return gaps.isEmpty() ? 0 : gaps.at(std::min(gaps.size() - 1, gaps.size() * percent / 100)) / 1e6;
+    }
+    qsizetype ticks() const { return gaps.size(); }
+
+    QElapsedTimer clock;
+    QTimer timer;
+    QList<qint64> gaps;
+    qint64 last = 0;
 };

@@ -68,18 +68,7 @@ int main(int argc, char **argv)
         return false;
     });
 
-    QElapsedTimer clock;
-    clock.start();
-    qint64 lastTick = 0, longestGap = 0;
-    QTimer watchdog;
-    watchdog.setInterval(1);
-    watchdog.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&watchdog, &QTimer::timeout, [&] {
-        const qint64 now = clock.nsecsElapsed();
-        if (lastTick)
-            longestGap = std::max(longestGap, now - lastTick);
-        lastTick = now;
-    });
+    StallWatch watch;
 
     // Opens one card by `open` and times it; false if no card with its picture came up.
     struct Figures {
@@ -89,7 +78,7 @@ int main(int argc, char **argv)
         qint64 cardFrame = 0, pictureFrame = 0;
         QEventLoop loop;
         const auto frames = QObject::connect(quick, &QQuickWindow::frameSwapped, &loop, [&] {
-            const qint64 now = clock.nsecsElapsed();
+            const qint64 now = watch.clock.nsecsElapsed();
             if (!cardFrame && shownItem(quick, QStringLiteral("lugarView")))
                 cardFrame = now;
             if (cardFrame && !pictureFrame && headerShown(quick)) {
@@ -98,19 +87,18 @@ int main(int argc, char **argv)
             }
         });
         QTimer::singleShot(5000, &loop, &QEventLoop::quit);
-        longestGap = 0;
-        watchdog.start();
         // The tap's own handling counts: the first gap runs from here.
-        const qint64 tapped = lastTick = clock.nsecsElapsed();
+        watch.start();
+        const qint64 tapped = watch.last;
         open();
         loop.exec();
-        watchdog.stop();
+        watch.stop();
         QObject::disconnect(frames);
         if (!pictureFrame)
             qFatal("no card with its picture");
         figures.toCard.append((cardFrame - tapped) / 1e6);
         figures.toPicture.append((pictureFrame - tapped) / 1e6);
-        figures.stalls.append(longestGap / 1e6);
+        figures.stalls.append(watch.longestMs());
         navigation->popViewController(false);
         QTest::qWait(300);
     };

@@ -85,20 +85,8 @@ int main(int argc, char **argv)
         qFatal("no gallery of %d pictures", pictures);
     QTest::qWait(1500);
 
-    QList<qint64> gaps;
-    QElapsedTimer clock;
-    clock.start();
-    qint64 last = 0;
-    QTimer watchdog;
-    watchdog.setInterval(1);
-    watchdog.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&watchdog, &QTimer::timeout, [&] {
-        const qint64 now = clock.nsecsElapsed();
-        if (last)
-            gaps.append(now - last);
-        last = now;
-    });
-    watchdog.start();
+    StallWatch watch;
+    watch.start();
     QEventLoop loop;
     int at = 0;
     // Page after page to the end and back, each move animated by the pager as after a swipe.
@@ -118,13 +106,12 @@ int main(int argc, char **argv)
     int farthest = 0;
     QObject::connect(gallery, &GalleryViewController::currentPageChanged, [&] { farthest = std::max(farthest, gallery->currentPage()); });
     loop.exec();
-    watchdog.stop();
+    watch.stop();
 
-    std::sort(gaps.begin(), gaps.end());
-    const double longest = gaps.isEmpty() ? 0 : gaps.last() / 1e6;
-    const double p99 = gaps.isEmpty() ? 0 : gaps.at(std::min(gaps.size() - 1, gaps.size() * 99 / 100)) / 1e6;
+    const double longest = watch.longestMs();
+    const double p99 = watch.percentileMs(99);
     std::printf("%d pictures of 2400 x 1600 (%lld kB of JPEG): paged from %d to %d and back to %d; longest main-thread stall "
                 "%.1f ms, p99 tick %.2f ms (%lld ticks)\n",
-                pictures, bytes / 1024, reachedFirst, farthest, gallery->currentPage(), longest, p99, qlonglong(gaps.size()));
+                pictures, bytes / 1024, reachedFirst, farthest, gallery->currentPage(), longest, p99, qlonglong(watch.ticks()));
     return farthest == pictures ? 0 : 1;
 }

@@ -54,21 +54,8 @@ int main(int argc, char **argv)
     search->searchTapped();
     QTest::qWait(500);
 
-    // A watchdog on the main thread: the gaps between its ticks are the stalls.
-    QList<qint64> gaps;
-    QElapsedTimer clock;
-    clock.start();
-    qint64 last = 0;
-    QTimer watchdog;
-    watchdog.setInterval(1);
-    watchdog.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&watchdog, &QTimer::timeout, [&] {
-        const qint64 now = clock.nsecsElapsed();
-        if (last)
-            gaps.append(now - last);
-        last = now;
-    });
-    watchdog.start();
+    StallWatch watch;
+    watch.start();
     // A real event loop throughout (QTest::qWait would sleep between its own passes): a key every
     // 90 ms, a quick typist's pace, then time for the last search and list to land.
     QEventLoop loop;
@@ -88,15 +75,14 @@ int main(int argc, char **argv)
     }
     QTimer::singleShot(at + 2000, &loop, &QEventLoop::quit);
     loop.exec();
-    watchdog.stop();
+    watch.stop();
 
-    std::sort(gaps.begin(), gaps.end());
-    const double longest = gaps.isEmpty() ? 0 : gaps.last() / 1e6;
-    const double median = gaps.isEmpty() ? 0 : gaps.at(gaps.size() / 2) / 1e6;
-    const double p99 = gaps.isEmpty() ? 0 : gaps.at(std::min(gaps.size() - 1, gaps.size() * 99 / 100)) / 1e6;
+    const double longest = watch.longestMs();
+    const double median = watch.percentileMs(50);
+    const double p99 = watch.percentileMs(99);
     std::printf("%d places, capital list of %d: longest main-thread stall while typing %.1f ms "
                 "(p99 tick %.2f ms, median %.2f ms, %lld ticks), %d searches run, %d places listed at the end\n",
-                places, listed, longest, p99, median, qlonglong(gaps.size()), search->searchesStarted(),
+                places, listed, longest, p99, median, qlonglong(watch.ticks()), search->searchesStarted(),
                 search->lugaresVC()->rows()->rowCount());
     if (QCoreApplication::arguments().contains(QStringLiteral("--no-scroll")))
         return 0;

@@ -28,11 +28,8 @@ OfertasTableViewController::OfertasTableViewController(Restaurants &restaurants,
 
 void OfertasTableViewController::viewDidLoad()
 {
-    if (restaurantMode()) {
-        auto *back = new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "), BarButtonItem::iconFont(18), this);
-        connect(back, &BarButtonItem::triggered, this, &OfertasTableViewController::close);
-        setLeftItems({back});
-    }
+    if (restaurantMode())
+        showBackButton();
     NotificationCenter &center = NotificationCenter::defaultCenter();
     center.addObserver(this, Localize::changeNotification, [this](const QVariant &) {
         setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
@@ -123,8 +120,4 @@ void OfertasTableViewController::didSelectRow(int row)
     }
 }
 
-void OfertasTableViewController::close()
-{
-    if (NavigationController *navigation = navigationController())
-        navigation->popViewController(true);
-}
+void OfertasTableViewController::close() { popBack(); }

@@ -95,9 +95,7 @@ void LugarTableViewController::viewDidLoad()
 {
     m_titleText = restInfo ? restInfo->name : QString();
     setTitle(m_titleText);
-    auto *back = new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "), BarButtonItem::iconFont(18), this);
-    connect(back, &BarButtonItem::triggered, this, &LugarTableViewController::dismiss);
-    setLeftItems({back});
+    showBackButton();
     auto *share = new BarButtonItem(QStringLiteral("share"), IconFont::cardRight, BarButtonItem::iconFont(33), this);
     connect(share, &BarButtonItem::triggered, this, &LugarTableViewController::shareButtonTouched);
     setRightItems({share});
@@ -422,11 +420,7 @@ void LugarTableViewController::imageSwipedLeft()
         performSegue(QStringLiteral("show-pictures"));
 }
 
-void LugarTableViewController::dismiss()
-{
-    if (NavigationController *navigation = navigationController())
-        navigation->popViewController(true);
-}
+void LugarTableViewController::dismiss() { popBack(); }
 
 void LugarTableViewController::showActivities()
 {

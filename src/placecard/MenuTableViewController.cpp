@@ -21,9 +21,7 @@ void MenuTableViewController::viewDidLoad()
 {
     m_menu = m_restaurants.menu(rid);
     setTitle(qtTrId("menu_title"));
-    auto *back = new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "), BarButtonItem::iconFont(18), this);
-    connect(back, &BarButtonItem::triggered, this, &MenuTableViewController::close);
-    setLeftItems({back});
+    showBackButton();
     m_openSections.insert(0);
     NotificationCenter::defaultCenter().addObserver(this, Localize::changeNotification,
                                                     [this](const QVariant &) { setTitle(qtTrId("menu_title")); });
@@ -80,10 +78,4 @@ void MenuTableViewController::didSelectRow(int row)
             if (self)
                 emit self->scrollToRow(row);
         });
-}
-
-void MenuTableViewController::close()
-{
-    if (NavigationController *navigation = navigationController())
-        navigation->popViewController(true);
 }

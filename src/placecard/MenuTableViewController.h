@@ -37,7 +37,6 @@ public:
 
     // Only a section's header reacts: it opens or closes the section.
     Q_INVOKABLE void didSelectRow(int row);
-    Q_INVOKABLE void close();
 
 signals:
     void rowsChanged();

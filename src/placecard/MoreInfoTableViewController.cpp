@@ -19,9 +19,7 @@ MoreInfoTableViewController::MoreInfoTableViewController(Restaurants &restaurant
 void MoreInfoTableViewController::viewDidLoad()
 {
     setTitle(qtTrId("moreinfo_title"));
-    auto *back = new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "), BarButtonItem::iconFont(18), this);
-    connect(back, &BarButtonItem::triggered, this, &MoreInfoTableViewController::close);
-    setLeftItems({back});
+    showBackButton();
     NotificationCenter::defaultCenter().addObserver(this, Localize::changeNotification,
                                                     [this](const QVariant &) { setTitle(qtTrId("moreinfo_title")); });
     setupCells();
@@ -130,10 +128,4 @@ void MoreInfoTableViewController::didSelectRow(int row)
         break;
     default: break;
     }
-}
-
-void MoreInfoTableViewController::close()
-{
-    if (NavigationController *navigation = navigationController())
-        navigation->popViewController(true);
 }

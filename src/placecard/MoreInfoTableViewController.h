@@ -39,7 +39,6 @@ public:
     static QUrl emailURL(const QStringList &emails, const QString &placeName);
 
     Q_INVOKABLE void didSelectRow(int row);
-    Q_INVOKABLE void close();
 
 signals:
     void rowsChanged();

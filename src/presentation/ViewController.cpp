@@ -2,6 +2,7 @@
 
 #include "BarButtonItem.h"
 #include "NavigationController.h"
+#include "richtext/IconFont.h"
 
 ViewController::ViewController(QObject *parent)
     : QObject(parent)
@@ -48,4 +49,17 @@ NavigationController *ViewController::navigationController() const
 void ViewController::setNavigationController(NavigationController *controller)
 {
     m_navigationController = controller;
+}
+
+void ViewController::popBack()
+{
+    if (NavigationController *navigation = navigationController())
+        navigation->popViewController(true);
+}
+
+void ViewController::showBackButton()
+{
+    auto *back = new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "), BarButtonItem::iconFont(18), this);
+    connect(back, &BarButtonItem::triggered, this, &ViewController::popBack);
+    setLeftItems({back});
 }

@@ -40,6 +40,8 @@ public:
     void setRightItems(const QList<BarButtonItem *> &items);
 
     NavigationController *navigationController() const;
+    // Back to the screen below: what a pushed screen's back button does.
+    Q_INVOKABLE void popBack();
     void setNavigationController(NavigationController *controller);
 
     // Runs viewDidLoad() the first time; the navigation machinery calls it before showing.
@@ -53,6 +55,8 @@ signals:
 
 protected:
     virtual void viewDidLoad() {}
+    // A pushed screen's bar: the back glyph on the left, which pops this screen.
+    void showBackButton();
 
 private:
     QList<QObject *> leftItemObjects() const { return {m_leftItems.begin(), m_leftItems.end()}; }

@@ -23,6 +23,16 @@ void drag(QQuickWindow *window, QPoint from, QPoint by, bool release = true)
         QTest::mouseRelease(window, Qt::LeftButton, {}, from + by);
 }
 
+// The first place of the capital's list that `wanted` accepts, or -1.
+int firstListedPlace(DemoWindow &ui, const std::function<bool(const RestaurantInfo &)> &wanted)
+{
+    LugaresTableViewController *list = ui.search()->lugaresVC();
+    for (int row = 0; row < list->rows()->rowCount(); ++row)
+        if (const auto info = Restaurants::shared().restaurantInfo(list->idAtRow(row)); info && wanted(*info))
+            return info->id;
+    return -1;
+}
+
 LugarTableViewController *openCard(DemoWindow &ui) { return qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController()); }
 
 // Brings a row of the card on screen by dragging the table up, as a thumb would.
@@ -53,17 +63,14 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
-    LugaresTableViewController *list = ui.search()->lugaresVC();
-    // The first listed place with a phone, a description and no pictures: its card has a call
-    // row to tap, its profile picture over its blur, and an ad, so it is long enough to scroll.
-    int placeId = -1;
-    for (int row = 0; row < list->rows()->rowCount() && placeId < 0; ++row) {
-        const auto info = Restaurants::shared().restaurantInfo(list->idAtRow(row));
-        QQuickItem *shown = info ? ui.item(qPrintable(QStringLiteral("placeCard-%1").arg(info->id))) : nullptr;
-        if (shown && shown->isVisible() && shown->mapToScene(QPointF(0, shown->height())).y() < window->height()
-            && info->hasPhone && !info->hasGallery && !info->description.isEmpty() && !Restaurants::shared().profileImage(info->id).isEmpty())
-            placeId = info->id;
-    }
+    // The first listed place on screen with a phone, a description and no pictures: its card
+    // has a call row to tap, its profile picture over its blur, and an ad, so it is long enough
+    // to scroll.
+    const int placeId = firstListedPlace(ui, [&](const RestaurantInfo &info) {
+        QQuickItem *shown = ui.item(qPrintable(QStringLiteral("placeCard-%1").arg(info.id)));
+        return shown && shown->isVisible() && shown->mapToScene(QPointF(0, shown->height())).y() < window->height() && info.hasPhone
+            && !info.hasGallery && !info.description.isEmpty() && !Restaurants::shared().profileImage(info.id).isEmpty();
+    });
     ASSERT_GE(placeId, 0);
     QQuickItem *listCard = ui.item(qPrintable(QStringLiteral("placeCard-%1").arg(placeId)));
     ASSERT_TRUE(listCard && listCard->isVisible());
@@ -164,14 +171,9 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
-    LugaresTableViewController *list = ui.search()->lugaresVC();
-    int placeId = -1;
-    for (int row = 0; row < list->rows()->rowCount() && placeId < 0; ++row) {
-        const int id = list->idAtRow(row);
-        const auto info = Restaurants::shared().restaurantInfo(id);
-        if (info && info->hasMenu && Restaurants::shared().galleryImageIds(id).size() >= 3)
-            placeId = id;
-    }
+    const int placeId = firstListedPlace(ui, [](const RestaurantInfo &info) {
+        return info.hasMenu && Restaurants::shared().galleryImageIds(info.id).size() >= 3;
+    });
     ASSERT_GE(placeId, 0);
     ASSERT_TRUE(ui.search()->openPlace(placeId, false));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarView") != nullptr; }, 3000));
