@@ -18,6 +18,10 @@
 #include <QLoggingCategory>
 #include <QTextStream>
 
+#include "toolkit/UpdateServer.h"
+
+#include <QSysInfo>
+
 #include <cstdio>
 
 namespace {
@@ -28,6 +32,7 @@ const char usage[] = R"(usage:
   velmora-catalogue demo -o DIR [--places N] [--seed S] [--date YYYYMMDD]
   velmora-catalogue patch OLD.db NEW.db -o OUT.zip
   velmora-catalogue publish NEW.db [OLD.db ...] --to DIR --base-url URL
+  velmora-catalogue serve DIR [--port N] [--name NAME] [--priority P] [--advertise]
   velmora-catalogue info FILE
   velmora-catalogue query FILE search TEXT
   velmora-catalogue query FILE list --province ID [--text T] [--municipality ID]... [--cuisine ID]...
@@ -177,6 +182,31 @@ int info(const QStringList &arguments)
     return error.isEmpty() ? 0 : fail(error);
 }
 
+// Serves a published tree on the local network until stopped; prints where, once listening.
+int serve(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("--port"), QStringLiteral("--name"), QStringLiteral("--priority")},
+                   {QStringLiteral("--advertise")});
+    bool portOk = true, priorityOk = true;
+    const int port = args.options.contains(QStringLiteral("--port")) ? args.value(QStringLiteral("--port")).toInt(&portOk) : 0;
+    const int priority = args.options.contains(QStringLiteral("--priority")) ? args.value(QStringLiteral("--priority")).toInt(&priorityOk) : 500;
+    if (!args.error.isEmpty() || args.positional.size() != 1 || !portOk || port < 0 || port > 65535 || !priorityOk)
+        return fail(args.error.isEmpty() ? QStringLiteral("serve DIR [--port N] [--name NAME] [--priority P] [--advertise]") : args.error);
+    UpdateServer server(args.positional.first());
+    QString error;
+    const quint16 listening = server.listen(QHostAddress::Any, quint16(port), &error);
+    if (!listening)
+        return fail(error);
+    const QString name = args.options.contains(QStringLiteral("--name")) ? args.value(QStringLiteral("--name"))
+                                                                         : QStringLiteral("Velmora updates on %1").arg(QSysInfo::machineHostName());
+    if (args.flags.contains(QStringLiteral("--advertise")) && !server.advertise(name, priority, &error))
+        return fail(error);
+    QTextStream(stdout) << "serving " << QDir(args.positional.first()).absolutePath() << " on port " << listening
+                        << (args.flags.contains(QStringLiteral("--advertise")) ? QStringLiteral(" as \"%1\" (priority %2)").arg(name).arg(priority) : QString())
+                        << Qt::endl;
+    return QCoreApplication::exec();
+}
+
 int query(const QStringList &arguments)
 {
     if (arguments.size() < 2)
@@ -239,7 +269,9 @@ int main(int argc, char *argv[])
     static const QStringList known = {QStringLiteral("-o"), QStringLiteral("--base-url"), QStringLiteral("--cuisine"),
                                       QStringLiteral("--date"), QStringLiteral("--municipality"), QStringLiteral("--places"),
                                       QStringLiteral("--price"), QStringLiteral("--province"), QStringLiteral("--seed"),
-                                      QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to")};
+                                      QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to"),
+                                      QStringLiteral("--port"), QStringLiteral("--name"), QStringLiteral("--priority"),
+                                      QStringLiteral("--advertise")};
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         const bool valueOfText = i > 0 && arguments.at(i - 1) == QLatin1String("--text");
@@ -261,6 +293,8 @@ int main(int argc, char *argv[])
         return publishCommand(rest);
     if (command == QLatin1String("info"))
         return info(rest);
+    if (command == QLatin1String("serve"))
+        return serve(rest);
     if (command == QLatin1String("query"))
         return query(rest);
     // No command prints the usage; an unknown one is refused with it.

@@ -458,6 +458,9 @@
   --self-test         show the first screen, report start-up time and memory, quit
   --screenshot FILE   save the first frame of the screen reached as PNG, quit
   --dump-ui           print the visible accessible items as JSON, quit
+  --check-updates     ask the Internet and the local network for a newer catalogue,
+                      print what answered as JSON, quit (no window)
+  --update-url URL    where the update information is (default: the setting update-url)
   --version           print the version and quit
   -h, --help          print this help and quit
 

@@ -458,6 +458,9 @@
   --self-test         muestra la primera pantalla, informa del arranque y la memoria, y sale
   --screenshot FICH   guarda como PNG el primer fotograma de la pantalla alcanzada, y sale
   --dump-ui           imprime en JSON los elementos accesibles visibles, y sale
+  --check-updates     pregunta a Internet y a la red local por un catálogo más nuevo,
+                      imprime en JSON quién respondió, y sale (sin ventana)
+  --update-url URL    dónde está la información de actualización (por omisión: el ajuste update-url)
   --version           imprime la versión y sale
   -h, --help          imprime esta ayuda y sale
 

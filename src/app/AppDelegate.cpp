@@ -1,5 +1,8 @@
 #include "app/AppDelegate.h"
 
+#include "update/ServiceCenter.h"
+#include "update/UpdateChecker.h"
+
 #include "platform/DefaultKeys.h"
 #include "app/DeepLink.h"
 #include "app/LinkRouter.h"
@@ -63,6 +66,11 @@ bool AppDelegate::didFinishLaunching()
     if (Localize::defaultLanguage() != QLatin1String("es"))
         Localize::setCurrentLanguage(QStringLiteral("en"));
     Localize::loadCurrentLanguage();
+
+    // Update monitoring starts in every case, with or without a catalogue.
+    m_updateChecker = new UpdateChecker(defaults, m_restaurants, this);
+    m_serviceCenter = new ServiceCenter(*m_updateChecker, this);
+    m_updateChecker->startMonitoring();
 
     if (m_restaurants.ready())
         showSubscriptionUI();

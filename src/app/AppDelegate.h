@@ -16,6 +16,9 @@ class SideMenuViewController;
 // The application object: owns the long-lived services and decides which root the window shows.
 // The QML window renders `root`; every rule of the choice lives here, so tests check it without
 // a window.
+class ServiceCenter;
+class UpdateChecker;
+
 class AppDelegate : public QObject, public SideMenuPresenter
 {
     Q_OBJECT
@@ -93,4 +96,11 @@ private:
     SideDrawer *m_drawer = nullptr;
     QString m_pendingLink;
     bool m_pendingLinkAnimated = true;
+    // Made at launch and kept for the life of the process: the sources of newer catalogues.
+    UpdateChecker *m_updateChecker = nullptr;
+    ServiceCenter *m_serviceCenter = nullptr;
+
+public:
+    UpdateChecker *updateChecker() const { return m_updateChecker; }
+    ServiceCenter *serviceCenter() const { return m_serviceCenter; }
 };

@@ -4,6 +4,7 @@
 #include "platform/Paths.h"
 
 #include <QCoreApplication>
+#include <QUrl>
 
 namespace {
 // Qt's own platform options, which QGuiApplication takes from the command line itself.
@@ -51,6 +52,11 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments)
         } else if (argument == QLatin1String("--screenshot")) {
             if (!value(options.screenshot))
                 return refuse(QStringLiteral("--screenshot needs a file name"));
+        } else if (argument == QLatin1String("--check-updates")) {
+            options.checkUpdates = true;
+        } else if (argument == QLatin1String("--update-url")) {
+            if (!value(options.updateUrl) || !QUrl(options.updateUrl, QUrl::StrictMode).isValid())
+                return refuse(QStringLiteral("--update-url needs a URL"));
         } else if (argument == QLatin1String("--open")) {
             if (!value(options.link))
                 return refuse(QStringLiteral("--open needs a link"));

@@ -15,6 +15,8 @@ struct LaunchOptions {
     QString screenshot;     // --screenshot FILE: save the first frame as PNG, then quit
     bool dumpUi = false;    // --dump-ui: print the visible accessible items as JSON, then quit
     QString link;           // --open URL, or a velmora:// link given on its own
+    QString updateUrl;      // --update-url URL: the Internet endpoint of update information
+    bool checkUpdates = false; // --check-updates: ask every source, print JSON, quit (no window)
 
     bool reportsAndQuits() const { return selfTest || dumpUi || !screenshot.isEmpty(); }
 

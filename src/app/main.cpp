@@ -1,11 +1,13 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
 #include "app/LaunchOptions.h"
+#include "app/UpdateCheckCommand.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Database.h"
 #include "platform/Paths.h"
 #include "presentation/QuickItems.h"
 #include "presentation/UiDump.h"
+#include "update/UpdateChecker.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -49,6 +51,18 @@ int main(int argc, char *argv[])
         return 2;
     case LaunchOptions::Action::Run:
         break;
+    }
+
+    if (!options.updateUrl.isEmpty())
+        UpdateChecker::setInternetURLOverride(QUrl(options.updateUrl));
+    if (options.checkUpdates) {
+        // Headless: no display needed, nothing shown.
+        QCoreApplication app(argc, argv);
+        QCoreApplication::setOrganizationName(QStringLiteral("Velmora"));
+        QCoreApplication::setApplicationName(QStringLiteral("Velmora"));
+        if (!options.home.isEmpty())
+            Paths::setRoot(options.home);
+        return runUpdateCheck(qEnvironmentVariableIntValue("VELMORA_DISCOVERY_SECONDS") > 0 ? qEnvironmentVariableIntValue("VELMORA_DISCOVERY_SECONDS") : 4);
     }
 
     QGuiApplication app(argc, argv);

@@ -31,12 +31,6 @@ OperationQueue &Globals::backgroundQueue()
     return queue;
 }
 
-QUrl Globals::updateURL()
-{
-    const QString overridden = qEnvironmentVariable("VELMORA_UPDATE_URL");
-    return QUrl(overridden.isEmpty() ? QStringLiteral("http://updates.velmora.app/ios/last.txt") : overridden);
-}
-
 QString Globals::siteURL()
 {
     QString site = UserDefaults::standard().stringForKey(QStringLiteral("site-url"));

@@ -12,9 +12,6 @@ class OperationQueue;
 namespace Globals {
 // The one shared, concurrent queue for slow work of the list screens and the Downloader.
 OperationQueue &backgroundQueue();
-// The update announcement: `/ios/last.txt` on the project's update host. VELMORA_UPDATE_URL
-// points a deployment or a test at another server.
-QUrl updateURL();
 // The product's web site, ending in "/": where a place's page lives. A deployment value, set
 // under "site-url" in resources/Defaults.json.
 QString siteURL();

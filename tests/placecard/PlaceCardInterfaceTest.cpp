@@ -48,7 +48,7 @@ QQuickItem *scrollTo(DemoWindow &ui, const char *name)
         }
         drag(window, QPoint(200, 600), QPoint(0, -250));
         // A tap on a table still in motion only stops it.
-        QTest::qWaitFor([&] { return !ui.item("lugarTable")->property("moving").toBool(); }, 3000);
+        (void)QTest::qWaitFor([&] { return !ui.item("lugarTable")->property("moving").toBool(); }, 3000);
     }
     return nullptr;
 }
@@ -233,7 +233,7 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     // A double tap zooms in and another comes back; the wheel zooms too.
     QQuickItem *second = page(2);
     ASSERT_TRUE(second);
-    QTest::qWaitFor([&] { return second->property("limits").toMap().value(QStringLiteral("minimum")).toReal() > 0; }, 2000);
+    (void)QTest::qWaitFor([&] { return second->property("limits").toMap().value(QStringLiteral("minimum")).toReal() > 0; }, 2000);
     const QPoint middle(195, 420);
     QTest::mouseDClick(window, Qt::LeftButton, {}, middle);
     ASSERT_TRUE(QTest::qWaitFor([&] { return second->property("zoomed").toBool(); }, 1000));

@@ -1,0 +1,75 @@
+#include "app/UpdateCheckCommand.h"
+
+#include "catalogue/Restaurants.h"
+#include "platform/DefaultKeys.h"
+#include "platform/UserDefaults.h"
+#include "update/ServiceCenter.h"
+#include "update/UpdateChecker.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTextStream>
+#include <QTimer>
+
+int runUpdateCheck(int discoverySeconds)
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.registerDefaultsFromFile(QStringLiteral(":/Defaults.json"));
+    Restaurants &restaurants = Restaurants::shared();
+    UpdateChecker checker(defaults, restaurants);
+    ServiceCenter center(checker);
+
+    QJsonObject internet{{QStringLiteral("url"), checker.internetURL().toString()}, {QStringLiteral("answered"), false}};
+    bool internetDone = false;
+    // Asked now, whatever the six-hour rule says: an operator wants the answer of this moment.
+    checker.checkInternet(0, [&](bool answered) {
+        internet.insert(QStringLiteral("answered"), answered);
+        internetDone = true;
+    });
+    QEventLoop loop;
+    QTimer::singleShot(discoverySeconds * 1000, &loop, &QEventLoop::quit);
+    loop.exec();
+    // The Internet may take longer than discovery: it gets its own 60 s at most.
+    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+    if (!internetDone) {
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+            if (internetDone)
+                loop.quit();
+        });
+        poll.start(50);
+        loop.exec();
+    }
+
+    QJsonArray sources;
+    for (const UpdateService &service : center.services())
+        if (service.url)
+            sources.append(QJsonObject{{QStringLiteral("name"), service.name},
+                                       {QStringLiteral("url"), service.url->toString()},
+                                       {QStringLiteral("priority"), service.priority},
+                                       {QStringLiteral("date"), service.date.toString(Qt::ISODate)},
+                                       {QStringLiteral("catalogue_url"), service.dburl ? service.dburl->toString() : QString()}});
+    // A local source announcing a newer catalogue counts as known too, as for the Internet's.
+    const QDate current = restaurants.databaseVersionDate().value_or(QDate(1970, 1, 1));
+    for (const UpdateService &service : center.services())
+        if (service.url && current < service.date && !(defaults.dateForKey(DefaultKeys::newestDatabaseKnown).date() >= service.date))
+            defaults.setDate(service.date.startOfDay(), DefaultKeys::newestDatabaseKnown);
+    const QDateTime newest = defaults.dateForKey(DefaultKeys::newestDatabaseKnown);
+    const QJsonObject result{
+        {QStringLiteral("catalogue"), restaurants.databaseVersionDate() ? restaurants.databaseVersionDate()->toString(Qt::ISODate) : QString()},
+        {QStringLiteral("internet"), internet},
+        {QStringLiteral("sources"), sources},
+        {QStringLiteral("newest_database_known"), newest.isValid() ? newest.date().toString(Qt::ISODate) : QString()},
+        {QStringLiteral("newer_known"), checker.isNewerDatabaseKnown()},
+    };
+    QTextStream(stdout) << QJsonDocument(result).toJson(QJsonDocument::Compact) << "\n";
+    if (!internet.value(QStringLiteral("answered")).toBool() && sources.isEmpty()) {
+        QTextStream(stderr) << "velmora: no update source answered (Internet: " << checker.internetURL().toString()
+                            << "; no update server found on the local network)\n";
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,161 @@
+#include "update/UpdateChecker.h"
+
+#include "catalogue/Restaurants.h"
+#include "platform/DefaultKeys.h"
+#include "platform/Logging.h"
+#include "platform/UserDefaults.h"
+
+#include <QDateTime>
+#include <QNetworkAccessManager>
+#include <QNetworkInformation>
+#include <QNetworkReply>
+#include <QStringDecoder>
+
+namespace {
+QUrl &internetOverride()
+{
+    static QUrl url;
+    return url;
+}
+
+QDate catalogueDate(Restaurants &restaurants)
+{
+    // No catalogue counts as the oldest possible one.
+    return restaurants.databaseVersionDate().value_or(QDate(1970, 1, 1));
+}
+
+// The body in the charset its answer declares; UTF-8 when it declares none or one unknown.
+QString decodedBody(QNetworkReply *reply, const QByteArray &body)
+{
+    const QString contentType = reply->header(QNetworkRequest::ContentTypeHeader).toString();
+    QString charset;
+    for (const QString &part : contentType.split(QLatin1Char(';')))
+        if (part.trimmed().startsWith(QLatin1String("charset="), Qt::CaseInsensitive))
+            charset = part.trimmed().mid(8).remove(QLatin1Char('"'));
+    QStringDecoder decoder(charset.isEmpty() ? "UTF-8" : charset.toLatin1().constData());
+    if (!decoder.isValid())
+        decoder = QStringDecoder(QStringDecoder::Utf8);
+    return decoder.decode(body);
+}
+}
+
+UpdateChecker::UpdateChecker(UserDefaults &defaults, Restaurants &restaurants, QObject *parent)
+    : QObject(parent)
+    , m_defaults(defaults)
+    , m_restaurants(restaurants)
+{
+}
+
+UpdateChecker::~UpdateChecker() = default;
+
+void UpdateChecker::setInternetURLOverride(const QUrl &url) { internetOverride() = url; }
+
+QUrl UpdateChecker::internetURL() const
+{
+    if (internetOverride().isValid())
+        return internetOverride();
+    // Tests point the endpoint at this machine through the environment.
+    if (const QString fromEnvironment = qEnvironmentVariable("VELMORA_UPDATE_URL"); !fromEnvironment.isEmpty())
+        return QUrl(fromEnvironment);
+    return QUrl(m_defaults.stringForKey(QStringLiteral("update-url")));
+}
+
+QNetworkAccessManager &UpdateChecker::manager()
+{
+    // Made on first use: a process that never checks never opens the network stack.
+    if (!m_manager) {
+        m_manager = new QNetworkAccessManager(this);
+        m_manager->setCookieJar(nullptr);
+    }
+    return *m_manager;
+}
+
+void UpdateChecker::startMonitoring(int probeInterval)
+{
+    const QUrl url = internetURL();
+    if (url.host().isEmpty())
+        return;
+    if (QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability)) {
+        m_reachabilityBackend = true;
+        QNetworkInformation *information = QNetworkInformation::instance();
+        connect(information, &QNetworkInformation::reachabilityChanged, this, [this](QNetworkInformation::Reachability reachability) {
+            if (reachability == QNetworkInformation::Reachability::Online)
+                reachable();
+        });
+        if (information->reachability() == QNetworkInformation::Reachability::Online)
+            QTimer::singleShot(0, this, &UpdateChecker::reachable);
+        qCInfo(lcUpdate) << "Update checks follow the network's reachability:" << information->backendName();
+        return;
+    }
+    // No reachability backend (a desktop without NetworkManager, a container): a modest probe.
+    qCInfo(lcUpdate) << "No reachability backend: update checks are tried every" << probeInterval / 60000 << "minutes";
+    m_probe.setInterval(probeInterval);
+    connect(&m_probe, &QTimer::timeout, this, &UpdateChecker::reachable, Qt::UniqueConnection);
+    m_probe.start();
+    QTimer::singleShot(0, this, &UpdateChecker::reachable);
+}
+
+void UpdateChecker::reachable()
+{
+    // Once a newer catalogue is known, nothing is asked until it has been installed.
+    if (!isNewerDatabaseKnown())
+        checkInternet(6 * 60 * 60);
+}
+
+void UpdateChecker::checkInternet(double minInterval, std::function<void(bool)> done)
+{
+    const QDateTime last = m_defaults.dateForKey(DefaultKeys::lastInternetUpdateCheck);
+    if (last.isValid() && last.secsTo(QDateTime::currentDateTime()) < minInterval) {
+        if (done)
+            done(false);
+        return;
+    }
+    fetchUpdateInfo(
+        internetURL(),
+        [this, done](const UpdateInfo &info) {
+            if (catalogueDate(m_restaurants) < info.date)
+                m_defaults.setDate(info.date.startOfDay(), DefaultKeys::newestDatabaseKnown);
+            m_defaults.setDate(QDateTime::currentDateTime(), DefaultKeys::lastInternetUpdateCheck);
+            if (done)
+                done(true);
+        },
+        [done] {
+            if (done)
+                done(false);
+        });
+}
+
+bool UpdateChecker::isNewerDatabaseKnown() const
+{
+    const QDateTime known = m_defaults.dateForKey(DefaultKeys::newestDatabaseKnown);
+    return known.isValid() && catalogueDate(m_restaurants) < known.date();
+}
+
+void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion, std::function<void()> failed)
+{
+    QNetworkRequest request(url);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    request.setTransferTimeout(60000);
+    request.setMaximumRedirectsAllowed(5);
+    QNetworkReply *reply = manager().get(request);
+    // A body beyond a few kilobytes is no announcement: stop reading, count it as failed.
+    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64) {
+        if (received > maximumBody)
+            reply->abort();
+    });
+    connect(reply, &QNetworkReply::finished, this, [reply, completion = std::move(completion), failed = std::move(failed), url] {
+        reply->deleteLater();
+        const QByteArray body = reply->read(maximumBody + 1);
+        const bool networkFailure = reply->error() != QNetworkReply::NoError && reply->error() < QNetworkReply::ContentAccessDenied;
+        QString why;
+        const auto info = networkFailure || body.size() > maximumBody ? std::nullopt : parseUpdateInfo(decodedBody(reply, body), &why);
+        if (!info) {
+            qCDebug(lcUpdate).noquote() << "No update information from" << url.toString() << reply->errorString() << why;
+            if (failed)
+                failed();
+            return;
+        }
+        completion(*info);
+    });
+}

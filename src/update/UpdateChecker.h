@@ -1,0 +1,56 @@
+#pragma once
+
+#include "update/UpdateInfo.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <QUrl>
+
+#include <functional>
+
+class QNetworkAccessManager;
+class Restaurants;
+class UserDefaults;
+
+// Is there a catalogue newer than the one here? Asks the Internet endpoint (at most every six
+// hours while none is known) and any local server, reading their small `last.txt`; the answer is
+// only remembered, in "newest-database-known".
+class UpdateChecker : public QObject
+{
+    Q_OBJECT
+
+public:
+    UpdateChecker(UserDefaults &defaults, Restaurants &restaurants, QObject *parent = nullptr);
+    ~UpdateChecker() override;
+
+    // The Internet endpoint: the deployment value "update-url", unless the command line set one.
+    QUrl internetURL() const;
+    static void setInternetURLOverride(const QUrl &url);
+
+    // Watches for the update host becoming reachable and checks then. Where the platform reports
+    // reachability (QNetworkInformation with a backend) it follows that; elsewhere it tries now
+    // and every `probeInterval` ms.
+    void startMonitoring(int probeInterval = 15 * 60 * 1000);
+    bool monitorsReachability() const { return m_reachabilityBackend; }
+
+    // Fetches and stores as the rules say; `done` (optional) learns whether an answer came.
+    void checkInternet(double minInterval, std::function<void(bool answered)> done = {});
+    bool isNewerDatabaseKnown() const;
+
+    // One fetch of update information: `completion` only for a body that parses. The status
+    // plays no part; bodies are read up to a few kilobytes and decoded by their declared charset.
+    void fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion, std::function<void()> failed = {});
+
+    static constexpr qint64 maximumBody = 4096;
+
+private:
+    void reachable();
+    QNetworkAccessManager &manager();
+
+    UserDefaults &m_defaults;
+    Restaurants &m_restaurants;
+    QNetworkAccessManager *m_manager = nullptr;
+    QTimer m_probe;
+    bool m_reachabilityBackend = false;
+};
