@@ -6,6 +6,7 @@
 #include <avahi-client/client.h>
 #include <avahi-client/lookup.h>
 #include <avahi-client/publish.h>
+#include <avahi-common/address.h>
 #include <avahi-common/error.h>
 #include <avahi-common/malloc.h>
 #include <avahi-common/strlst.h>
@@ -77,11 +78,14 @@ void ServiceBrowser::start(AvahiClient *client)
                 avahi_service_resolver_new(
                     browser->m_client, interface, protocol, name, serviceType, serviceDomain, AVAHI_PROTO_UNSPEC, AvahiLookupFlags(0),
                     [](AvahiServiceResolver *resolver, AvahiIfIndex, AvahiProtocol, AvahiResolverEvent resolved, const char *name,
-                       const char *type, const char *domain, const char *host, const AvahiAddress *, uint16_t port, AvahiStringList *txt,
-                       AvahiLookupResultFlags, void *self) {
+                       const char *type, const char *domain, const char *host, const AvahiAddress *address, uint16_t port,
+                       AvahiStringList *txt, AvahiLookupResultFlags, void *self) {
                         auto *browser = static_cast<ServiceBrowser *>(self);
+                        char numeric[AVAHI_ADDRESS_STR_MAX] = {};
+                        if (address)
+                            avahi_address_snprint(numeric, sizeof numeric, address);
                         if (resolved == AVAHI_RESOLVER_FOUND)
-                            emit browser->resolved(text(name), text(type), text(domain), text(host), port, wireFormat(txt));
+                            emit browser->resolved(text(name), text(type), text(domain), text(host), port, wireFormat(txt), text(numeric));
                         avahi_service_resolver_free(resolver);
                     },
                     browser);

@@ -24,8 +24,10 @@ public:
 signals:
     void found(const QString &name, const QString &type, const QString &domain);
     void removed(const QString &name, const QString &type, const QString &domain);
-    // `txt` is the record in its wire form: a length byte before each "key=value" entry.
-    void resolved(const QString &name, const QString &type, const QString &domain, const QString &host, int port, const QByteArray &txt);
+    // `txt` is the record in its wire form: a length byte before each "key=value" entry;
+    // `address` the host's numeric address, for systems that can't look ".local" names up.
+    void resolved(const QString &name, const QString &type, const QString &domain, const QString &host, int port, const QByteArray &txt,
+                  const QString &address);
 
 private:
     static void clientChanged(AvahiClient *client, int state, void *self);

@@ -14,9 +14,8 @@ ServiceCenter::ServiceCenter(UpdateChecker &checker, QObject *parent)
     connect(m_browser, &ServiceBrowser::found, this, &ServiceCenter::didFindService);
     connect(m_browser, &ServiceBrowser::removed, this, &ServiceCenter::didRemoveService);
     connect(m_browser, &ServiceBrowser::resolved, this,
-            [this](const QString &name, const QString &type, const QString &domain, const QString &host, int port, const QByteArray &txt) {
-                didResolve(UpdateService::resolved(domain, type, name, host, port, txt));
-            });
+            [this](const QString &name, const QString &type, const QString &domain, const QString &host, int port, const QByteArray &txt,
+                   const QString &address) { didResolve(UpdateService::resolved(domain, type, name, host, port, txt, address)); });
 }
 
 ServiceCenter::~ServiceCenter() = default;

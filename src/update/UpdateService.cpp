@@ -23,7 +23,7 @@ UpdateService UpdateService::found(const QString &domain, const QString &type, c
 }
 
 UpdateService UpdateService::resolved(const QString &domain, const QString &type, const QString &name, const QString &host, int port,
-                                      const QByteArray &txt)
+                                      const QByteArray &txt, const QString &address)
 {
     UpdateService service = found(domain, type, name);
     if (host.isEmpty())
@@ -44,7 +44,10 @@ UpdateService UpdateService::resolved(const QString &domain, const QString &type
     }
     if (!path.startsWith(QLatin1Char('/')))
         path.prepend(QLatin1Char('/'));
-    const QUrl url(QStringLiteral("http://%1:%2%3").arg(host).arg(port).arg(path), QUrl::StrictMode);
+    QString where = address.isEmpty() ? host : address;
+    if (where.contains(QLatin1Char(':')))
+        where = QLatin1Char('[') + where + QLatin1Char(']'); // IPv6
+    const QUrl url(QStringLiteral("http://%1:%2%3").arg(where).arg(port).arg(path), QUrl::StrictMode);
     if (url.isValid() && !url.host().isEmpty())
         service.url = url;
     return service;

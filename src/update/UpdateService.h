@@ -29,9 +29,10 @@ struct UpdateService {
     // A service just found: no host yet, so no URL.
     static UpdateService found(const QString &domain, const QString &type, const QString &name);
     // A resolved service: its URL from the host, the port and the TXT record's "iospath" and
-    // "priority", with their defaults for anything missing or unreadable.
+    // "priority", with their defaults for anything missing or unreadable. With a numeric
+    // `address` the URL uses it: a Linux without mDNS name lookup can't reach "host.local".
     static UpdateService resolved(const QString &domain, const QString &type, const QString &name, const QString &host, int port,
-                                  const QByteArray &txt);
+                                  const QByteArray &txt, const QString &address = QString());
 
     // The record's entries, walked first: a length byte past the end, an entry that isn't UTF-8
     // or has no "=", and the whole record counts as empty.
