@@ -7,6 +7,7 @@
 #include "catalogue/SearchTerms.h"
 #include "richtext/RichString.h"
 #include "update/UpdateInfo.h"
+#include "update/UpdateService.h"
 
 #include <QJsonDocument>
 
@@ -54,6 +55,11 @@ const QList<FuzzTarget> &fuzzTargets()
          [](const QByteArray &bytes) {
              QString error;
              parseUpdateInfo(text(bytes), &error);
+         }},
+        {QStringLiteral("txt-record"),
+         [](const QByteArray &bytes) {
+             UpdateService::parseTXTRecord(bytes);
+             UpdateService::resolved(QStringLiteral("local"), QStringLiteral("_t._tcp"), QStringLiteral("n"), QStringLiteral("h"), 80, bytes);
          }},
         {QStringLiteral("filters"),
          [](const QByteArray &bytes) {

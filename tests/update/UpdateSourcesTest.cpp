@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFile>
 #include <QHostAddress>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -40,6 +42,25 @@ struct LocalServer {
     QTemporaryDir dir;
     UpdateServer server{dir.path()};
     quint16 port = 0;
+};
+
+// A server on 127.0.0.1 that answers every connection with the same raw bytes and hangs up.
+struct RawServer {
+    explicit RawServer(const QByteArray &answer)
+    {
+        EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
+        QObject::connect(&server, &QTcpServer::newConnection, &server, [this, answer] {
+            while (QTcpSocket *socket = server.nextPendingConnection()) {
+                QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, answer] {
+                    socket->readAll();
+                    socket->write(answer);
+                    socket->disconnectFromHost();
+                });
+            }
+        });
+    }
+    QUrl url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1/ios/last.txt").arg(server.serverPort())); }
+    QTcpServer server;
 };
 
 std::optional<UpdateInfo> fetch(UpdateChecker &checker, const QUrl &url)
@@ -127,6 +148,14 @@ TEST(UpdateSources, CheckerAgainstTheToolkitServer)
         LocalServer server(bad);
         EXPECT_FALSE(fetch(checker, server.url())) << bad.left(40).constData();
     }
+    // The status plays no part: a 500 whose body announces is an answer; a reset or a redirect
+    // loop is none, and neither blocks.
+    RawServer failing("HTTP/1.1 500 Oops\r\nContent-Type: text/plain; charset=ISO-8859-1\r\nContent-Length: 22\r\n\r\n20170301|http://x/a.db");
+    EXPECT_TRUE(fetch(checker, failing.url()));
+    RawServer reset("");
+    EXPECT_FALSE(fetch(checker, reset.url()));
+    RawServer loop("HTTP/1.1 302 Found\r\nLocation: /ios/last.txt\r\nContent-Length: 0\r\n\r\n");
+    EXPECT_FALSE(fetch(checker, loop.url()));
     LocalServer missing("20170301|http://127.0.0.1/a.db");
     EXPECT_FALSE(fetch(checker, QUrl(QStringLiteral("http://127.0.0.1:%1/nothing-here").arg(missing.port))))
         << "a 404 page is no announcement";
@@ -178,4 +207,23 @@ TEST(UpdateSources, ByteRanges)
     for (const QByteArray &bad : {QByteArray("bytes=10-"), QByteArray("bytes=5-2"), QByteArray("bytes=0-1,4-5"), QByteArray("items=0-1"),
                                   QByteArray("bytes=x-")})
         EXPECT_FALSE(parseByteRange(bad, 10)) << bad.constData();
+}
+
+// Catches: announcements read with the wrong rules: a line with no or two "|" taken, a URL
+// that isn't one taken, a date in another form read, or blanks and line ends not forgiven.
+TEST(UpdateSources, AnnouncementFormat)
+{
+    QString error;
+    for (const QString &pipes : {QStringLiteral("20170301"), QStringLiteral("20170301|http://x/a.db|http://x/b.db")}) {
+        EXPECT_FALSE(parseUpdateInfo(pipes, &error));
+        EXPECT_EQ(error, QStringLiteral("update info must have a single '|'"));
+    }
+    EXPECT_FALSE(parseUpdateInfo(QStringLiteral("20170301|not a url at all"), &error));
+    EXPECT_EQ(error, QStringLiteral("invalid URL"));
+    EXPECT_FALSE(parseUpdateInfo(QStringLiteral("2017-03-01|http://x/a.db"), &error));
+    EXPECT_EQ(error, QString());
+    const auto info = parseUpdateInfo(QStringLiteral("  20170301 |\thttp://x/a.db \r\n"), &error);
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->date, QDate(2017, 3, 1));
+    EXPECT_EQ(info->url, QUrl(QStringLiteral("http://x/a.db")));
 }
