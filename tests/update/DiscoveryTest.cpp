@@ -1,5 +1,5 @@
 #include "fixtures/TestHome.h"
-#include "toolkit/UpdateServer.h"
+#include "update/ServedTree.h"
 #include "update/ServiceCenter.h"
 #include "update/UpdateChecker.h"
 
@@ -14,23 +14,14 @@
 #include <memory>
 
 namespace {
-// The toolkit's server on 127.0.0.1, announcing itself by DNS-SD with `priority`.
-struct AdvertisedServer {
+// A served tree that announces itself by DNS-SD with `priority`.
+struct AdvertisedServer : ServedTree {
     AdvertisedServer(const QString &name, int priority, const QByteArray &announcement)
+        : ServedTree(announcement)
     {
-        QDir(dir.path()).mkpath(QStringLiteral("ios"));
-        QFile file(dir.filePath(QStringLiteral("ios/last.txt")));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(announcement);
-        file.close();
         QString error;
-        port = server.listen(QHostAddress::LocalHost, 0, &error);
-        EXPECT_NE(port, 0) << error.toStdString();
         EXPECT_TRUE(server.advertise(name, priority, &error)) << error.toStdString();
     }
-    QTemporaryDir dir;
-    UpdateServer server{dir.path()};
-    quint16 port = 0;
 };
 
 QList<int> priorities(const ServiceCenter &center)

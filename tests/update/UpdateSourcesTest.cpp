@@ -2,6 +2,7 @@
 #include "platform/DefaultKeys.h"
 #include "platform/UserDefaults.h"
 #include "toolkit/UpdateServer.h"
+#include "update/ServedTree.h"
 #include "update/ServiceCenter.h"
 #include "update/UpdateChecker.h"
 
@@ -24,25 +25,6 @@ QByteArray txt(const QList<QByteArray> &entries)
     return wire;
 }
 
-// A published tree on a free port of 127.0.0.1 whose last.txt says `announcement`.
-struct LocalServer {
-    explicit LocalServer(const QByteArray &announcement)
-    {
-        QDir(dir.path()).mkpath(QStringLiteral("ios"));
-        QFile file(dir.filePath(QStringLiteral("ios/last.txt")));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(announcement);
-        file.close();
-        QString error;
-        port = server.listen(QHostAddress::LocalHost, 0, &error);
-        EXPECT_NE(port, 0) << error.toStdString();
-    }
-    QUrl url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1/ios/last.txt").arg(port)); }
-
-    QTemporaryDir dir;
-    UpdateServer server{dir.path()};
-    quint16 port = 0;
-};
 
 // A server on 127.0.0.1 that answers every connection with the same raw bytes and hangs up.
 struct RawServer {
@@ -112,10 +94,10 @@ TEST(UpdateSources, CheckerAgainstTheToolkitServer)
     auto restaurants = home.openCatalogue(CatalogueFixture::small()); // dated 2017-01-01
     UpdateChecker checker(home.defaults(), *restaurants);
 
-    LocalServer older("20161231|http://127.0.0.1/ios/velmora-20161231.db\n");
-    LocalServer equal(" 20170101 | http://127.0.0.1/ios/velmora-20170101.db \r\n");
-    LocalServer newer("20170301|http://127.0.0.1/ios/velmora-20170301.db");
-    const auto check = [&](const LocalServer &server, double minInterval) {
+    ServedTree older("20161231|http://127.0.0.1/ios/velmora-20161231.db\n");
+    ServedTree equal(" 20170101 | http://127.0.0.1/ios/velmora-20170101.db \r\n");
+    ServedTree newer("20170301|http://127.0.0.1/ios/velmora-20170301.db");
+    const auto check = [&](const ServedTree &server, double minInterval) {
         UpdateChecker::setInternetURLOverride(server.url());
         bool answered = false, done = false;
         checker.checkInternet(minInterval, [&](bool ok) { answered = ok, done = true; });
@@ -145,7 +127,7 @@ TEST(UpdateSources, CheckerAgainstTheToolkitServer)
     for (const QByteArray &bad : {QByteArray(), QByteArray("20170301"), QByteArray("2017-03-01|http://x/a.db"),
                                   QByteArray("20170301|http://x/a.db|extra"), QByteArray("\x00\x01\x02|\xff", 6),
                                   QByteArray("20170301|http://x/a.db") + QByteArray(UpdateChecker::maximumBody, ' ')}) {
-        LocalServer server(bad);
+        ServedTree server(bad);
         EXPECT_FALSE(fetch(checker, server.url())) << bad.left(40).constData();
     }
     // The status plays no part: a 500 whose body announces is an answer; a reset or a redirect
@@ -156,7 +138,7 @@ TEST(UpdateSources, CheckerAgainstTheToolkitServer)
     EXPECT_FALSE(fetch(checker, reset.url()));
     RawServer loop("HTTP/1.1 302 Found\r\nLocation: /ios/last.txt\r\nContent-Length: 0\r\n\r\n");
     EXPECT_FALSE(fetch(checker, loop.url()));
-    LocalServer missing("20170301|http://127.0.0.1/a.db");
+    ServedTree missing("20170301|http://127.0.0.1/a.db");
     EXPECT_FALSE(fetch(checker, QUrl(QStringLiteral("http://127.0.0.1:%1/nothing-here").arg(missing.port))))
         << "a 404 page is no announcement";
 }
@@ -172,8 +154,8 @@ TEST(UpdateSources, ServiceCenterAdmitsOnlyServersThatAnswer)
     ServiceCenter center(checker);
     const QString type = ServiceCenter::serviceType, domain = ServiceCenter::serviceDomain;
 
-    LocalServer good("20170301|http://127.0.0.1/ios/velmora-20170301.db");
-    LocalServer bad("not an announcement");
+    ServedTree good("20170301|http://127.0.0.1/ios/velmora-20170301.db");
+    ServedTree bad("not an announcement");
     center.didFindService(QStringLiteral("Good"), type, domain);
     center.didFindService(QStringLiteral("Bad"), type, domain);
     EXPECT_EQ(center.services().size(), 2);
