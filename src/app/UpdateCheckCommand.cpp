@@ -52,11 +52,6 @@ int runUpdateCheck(int discoverySeconds)
                                        {QStringLiteral("priority"), service.priority},
                                        {QStringLiteral("date"), service.date.toString(Qt::ISODate)},
                                        {QStringLiteral("catalogue_url"), service.dburl ? service.dburl->toString() : QString()}});
-    // A local source announcing a newer catalogue counts as known too, as for the Internet's.
-    const QDate current = restaurants.databaseVersionDate().value_or(QDate(1970, 1, 1));
-    for (const UpdateService &service : center.services())
-        if (service.url && current < service.date && !(defaults.dateForKey(DefaultKeys::newestDatabaseKnown).date() >= service.date))
-            defaults.setDate(service.date.startOfDay(), DefaultKeys::newestDatabaseKnown);
     const QDateTime newest = defaults.dateForKey(DefaultKeys::newestDatabaseKnown);
     const QJsonObject result{
         {QStringLiteral("catalogue"), restaurants.databaseVersionDate() ? restaurants.databaseVersionDate()->toString(Qt::ISODate) : QString()},

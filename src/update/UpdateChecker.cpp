@@ -113,8 +113,7 @@ void UpdateChecker::checkInternet(double minInterval, std::function<void(bool)> 
     fetchUpdateInfo(
         internetURL(),
         [this, done](const UpdateInfo &info) {
-            if (catalogueDate(m_restaurants) < info.date)
-                m_defaults.setDate(info.date.startOfDay(), DefaultKeys::newestDatabaseKnown);
+            noteAnnouncedDate(info.date);
             m_defaults.setDate(QDateTime::currentDateTime(), DefaultKeys::lastInternetUpdateCheck);
             if (done)
                 done(true);
@@ -123,6 +122,13 @@ void UpdateChecker::checkInternet(double minInterval, std::function<void(bool)> 
             if (done)
                 done(false);
         });
+}
+
+void UpdateChecker::noteAnnouncedDate(const QDate &date)
+{
+    const QDateTime known = m_defaults.dateForKey(DefaultKeys::newestDatabaseKnown);
+    if (catalogueDate(m_restaurants) < date && !(known.isValid() && known.date() >= date))
+        m_defaults.setDate(date.startOfDay(), DefaultKeys::newestDatabaseKnown);
 }
 
 bool UpdateChecker::isNewerDatabaseKnown() const

@@ -37,6 +37,9 @@ public:
     // Fetches and stores as the rules say; `done` (optional) learns whether an answer came.
     void checkInternet(double minInterval, std::function<void(bool answered)> done = {});
     bool isNewerDatabaseKnown() const;
+    // Remembers `date` in "newest-database-known" when it is later than the catalogue's and than
+    // what is remembered already; from the Internet's answer or a local server's.
+    void noteAnnouncedDate(const QDate &date);
 
     // One fetch of update information: `completion` only for a body that parses. The status
     // plays no part; bodies are read up to a few kilobytes and decoded by their declared charset.

@@ -168,6 +168,7 @@ TEST(UpdateSources, ServiceCenterAdmitsOnlyServersThatAnswer)
     QTest::qWait(200);
     EXPECT_EQ(center.updateURLs(), (QList<UpdateURL>{{good.url(), 900}}));
     EXPECT_EQ(center.services().begin()->date, QDate(2017, 3, 1));
+    EXPECT_EQ(home.defaults().dateForKey(DefaultKeys::newestDatabaseKnown).date(), QDate(2017, 3, 1)) << "a local server's newer catalogue is known";
 
     center.didRemoveService(QStringLiteral("Good"), type, domain);
     EXPECT_TRUE(center.services().isEmpty());

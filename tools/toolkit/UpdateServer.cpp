@@ -12,10 +12,10 @@
 
 std::optional<std::pair<qint64, qint64>> parseByteRange(const QByteArray &header, qint64 size)
 {
-    const QByteArray spec = header.trimmed();
-    if (!spec.startsWith("bytes=") || spec.contains(',') || size <= 0)
+    const QByteArray value = header.trimmed();
+    if (!value.startsWith("bytes=") || value.contains(',') || size <= 0)
         return std::nullopt;
-    const QByteArray range = spec.mid(6).trimmed();
+    const QByteArray range = value.mid(6).trimmed();
     const qsizetype dash = range.indexOf('-');
     if (dash < 0)
         return std::nullopt;
