@@ -160,8 +160,8 @@ QVariantMap LugarTableViewController::rowFor(LugaresCellType cellType) const
         row.insert(QStringLiteral("text"), text.trimmed().isEmpty() ? QStringLiteral("—") : text);
         row.insert(QStringLiteral("shadowInset"), inset);
     };
-    const auto action = [&](const char *title, const QString &count, qreal inset) {
-        row.insert(QStringLiteral("title"), qtTrId(title));
+    const auto action = [&](const QString &title, const QString &count, qreal inset) {
+        row.insert(QStringLiteral("title"), title);
         row.insert(QStringLiteral("count"), count);
         row.insert(QStringLiteral("shadowInset"), inset);
     };
@@ -213,11 +213,12 @@ QVariantMap LugarTableViewController::rowFor(LugaresCellType cellType) const
     case T::description:
         row.insert(QStringLiteral("text"), rendered(QStringLiteral("<comment><![CDATA[") + info.description + QStringLiteral("]]></comment>")));
         break;
-    case T::comments: action(nullptr, QStringLiteral("17"), defaultShadowInset); row.insert(QStringLiteral("title"), QStringLiteral("Comentarios")); break;
-    case T::gallery: action("lugar_gallery", QString::number(m_gallery.size()), defaultShadowInset); break;
-    case T::offers: action("lugar_offers", QString::number(info.offers), defaultShadowInset); break;
-    case T::menu: action("lugar_menu", QString(), defaultShadowInset); break;
-    case T::moreInfo: action("lugar_moreinfo", QString(), 0); break;
+    // The opinions feature's fixed sample, shown only behind the developer switch.
+    case T::comments: action(QStringLiteral("Comentarios"), QStringLiteral("17"), defaultShadowInset); break;
+    case T::gallery: action(qtTrId("lugar_gallery"), QString::number(m_gallery.size()), defaultShadowInset); break;
+    case T::offers: action(qtTrId("lugar_offers"), QString::number(info.offers), defaultShadowInset); break;
+    case T::menu: action(qtTrId("lugar_menu"), QString(), defaultShadowInset); break;
+    case T::moreInfo: action(qtTrId("lugar_moreinfo"), QString(), 0); break;
     case T::separator: break;
     case T::notes: row.insert(QStringLiteral("placeholder"), qtTrId("lugar_notes_on_RESTAURANT_NAME").replace(QStringLiteral("{RESTAURANT_NAME}"), info.name).toUpper()); break;
     case T::giftsAndReservations: row.insert(QStringLiteral("title"), qtTrId("lugar_reserve_table")); break;

@@ -108,7 +108,6 @@ public:
     void viewWillAppear() override;
     // The hidden swipe on the title works until another screen covers the card.
     void viewWillDisappear() override;
-    bool titleSwipeEnabled() const { return m_titleSwipeEnabled; }
 
 signals:
     void titleTextChanged();

@@ -56,22 +56,21 @@ void MoreInfoTableViewController::setupCells()
         // A group's last row draws its line from the edge: before a separator, or at the end.
         const bool last = row + 1 == m_cells.size() || m_cells.at(row + 1) == T::separator;
         QVariantMap map{{QStringLiteral("last"), last}};
-        const auto data = [&](const char *header, const QString &text, bool link) {
+        const auto data = [&](const QString &header, const QString &text, bool link) {
             map.insert(QStringLiteral("kind"), QStringLiteral("more-info-info-cell"));
-            map.insert(QStringLiteral("header"), qtTrId(header));
+            map.insert(QStringLiteral("header"), header);
             map.insert(QStringLiteral("text"), text);
             map.insert(QStringLiteral("link"), link);
         };
         switch (type) {
-        case T::website: data("moreinfo_website_header", info.website, true); break;
-        case T::email: data("moreinfo_email_header", info.emails.join(separator), true); break;
-        case T::serviceTypes: data("moreinfo_service_types_header", info.service_types.join(separator), false); break;
-        case T::placeOptions: data("moreinfo_place_options_header", info.place_options.join(separator), false); break;
-        case T::paymentOptions: data("moreinfo_payment_options_header", info.payment_options.join(separator), false); break;
-        case T::restGroup: data("moreinfo_rest_group_header", info.rest_group, false); break;
+        case T::website: data(qtTrId("moreinfo_website_header"), info.website, true); break;
+        case T::email: data(qtTrId("moreinfo_email_header"), info.emails.join(separator), true); break;
+        case T::serviceTypes: data(qtTrId("moreinfo_service_types_header"), info.service_types.join(separator), false); break;
+        case T::placeOptions: data(qtTrId("moreinfo_place_options_header"), info.place_options.join(separator), false); break;
+        case T::paymentOptions: data(qtTrId("moreinfo_payment_options_header"), info.payment_options.join(separator), false); break;
+        case T::restGroup: data(qtTrId("moreinfo_rest_group_header"), info.rest_group, false); break;
         case T::chef:
-            data(nullptr, QString(), true);
-            map.insert(QStringLiteral("header"), QString());
+            data(QString(), QString(), true);
             map.insert(QStringLiteral("optional"), QStringLiteral("ASOCIACIÓN CULINARIA DE VARDA"));
             break;
         case T::separator: map.insert(QStringLiteral("kind"), QStringLiteral("more-info-separator")); break;
