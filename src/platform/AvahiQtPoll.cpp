@@ -9,6 +9,11 @@
 #include <algorithm>
 #include <memory>
 
+// The watch and the time-out whose callback is running: freeing one of them from inside its own
+// callback must leave its notifier or timer to the event loop; any other is deleted at once, so
+// that nothing is left for a loop that may never run again.
+thread_local const void *firing = nullptr;
+
 struct AvahiWatch {
     int fd;
     AvahiWatchEvent wanted;
@@ -26,7 +31,9 @@ struct AvahiWatch {
     void fire(AvahiWatchEvent event)
     {
         last = event;
+        firing = this;
         callback(this, fd, event, userdata);
+        firing = nullptr;
         // The callback may have freed the watch: nothing may touch it here.
     }
 };
@@ -68,9 +75,12 @@ AvahiWatchEvent watchGetEvents(AvahiWatch *watch) { return watch->last; }
 
 void watchFree(AvahiWatch *watch)
 {
-    // Freed from inside its own callback at times: the notifiers go once control is back.
-    watch->readable.release()->deleteLater();
-    watch->writable.release()->deleteLater();
+    if (firing == watch) {
+        watch->readable->setEnabled(false);
+        watch->writable->setEnabled(false);
+        watch->readable.release()->deleteLater();
+        watch->writable.release()->deleteLater();
+    }
     delete watch;
 }
 
@@ -78,7 +88,11 @@ AvahiTimeout *timeoutNew(const AvahiPoll *, const struct timeval *tv, AvahiTimeo
 {
     auto *timeout = new AvahiTimeout{std::make_unique<QTimer>(), callback, userdata};
     timeout->timer->setSingleShot(true);
-    QObject::connect(timeout->timer.get(), &QTimer::timeout, [timeout] { timeout->callback(timeout, timeout->userdata); });
+    QObject::connect(timeout->timer.get(), &QTimer::timeout, [timeout] {
+        firing = timeout;
+        timeout->callback(timeout, timeout->userdata);
+        firing = nullptr;
+    });
     timeout->arm(tv);
     return timeout;
 }
@@ -87,9 +101,9 @@ void timeoutUpdate(AvahiTimeout *timeout, const struct timeval *tv) { timeout->a
 
 void timeoutFree(AvahiTimeout *timeout)
 {
-    // Also freed from inside its own callback: the timer goes once control is back.
     timeout->timer->stop();
-    timeout->timer.release()->deleteLater();
+    if (firing == timeout)
+        timeout->timer.release()->deleteLater();
     delete timeout;
 }
 }
