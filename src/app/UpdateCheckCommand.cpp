@@ -23,26 +23,26 @@ int runUpdateCheck(int discoverySeconds)
     ServiceCenter center(checker);
 
     QJsonObject internet{{QStringLiteral("url"), checker.internetURL().toString()}, {QStringLiteral("answered"), false}};
-    bool internetDone = false;
+    // Done once discovery has had its time and the Internet has answered or failed; the
+    // Internet gets 60 s beyond discovery at most.
+    QEventLoop loop;
+    bool internetDone = false, discoveryOver = false;
+    const auto finishWhenBothAreOver = [&] {
+        if (internetDone && discoveryOver)
+            loop.quit();
+    };
     // Asked now, whatever the six-hour rule says: an operator wants the answer of this moment.
     checker.checkInternet(0, [&](bool answered) {
         internet.insert(QStringLiteral("answered"), answered);
         internetDone = true;
+        finishWhenBothAreOver();
     });
-    QEventLoop loop;
-    QTimer::singleShot(discoverySeconds * 1000, &loop, &QEventLoop::quit);
+    QTimer::singleShot(discoverySeconds * 1000, &loop, [&] {
+        discoveryOver = true;
+        finishWhenBothAreOver();
+    });
+    QTimer::singleShot(discoverySeconds * 1000 + 60000, &loop, &QEventLoop::quit);
     loop.exec();
-    // The Internet may take longer than discovery: it gets its own 60 s at most.
-    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
-    if (!internetDone) {
-        QTimer poll;
-        QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-            if (internetDone)
-                loop.quit();
-        });
-        poll.start(50);
-        loop.exec();
-    }
 
     QJsonArray sources;
     for (const UpdateService &service : center.services())

@@ -8,6 +8,7 @@
 #include "presentation/UrlOpener.h"
 
 #include <QClipboard>
+#include <QSignalSpy>
 #include <QGuiApplication>
 
 namespace {
@@ -118,6 +119,13 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     tap(window, ui.item("phonesCancel"));
     // The dim fades out after the sheet has gone, and takes taps until it has.
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("phoneNumbersView") == nullptr && !ui.item("dimming")->isVisible(); }, 2000));
+
+    // The ad under the description: a tap acts on it, opening its address or asking for its tip.
+    QSignalSpy tips(card, &LugarTableViewController::tipRequested);
+    QQuickItem *ad = scrollTo(ui, "adPicture");
+    ASSERT_TRUE(ad);
+    tap(window, ad);
+    EXPECT_EQ(dialled.size() - 1 + tips.count(), 1) << "the ad's tap did nothing";
     UrlOpener::setUrlOpener([](const QUrl &) { return false; });
 
     // "Save to my places" opens the sheet; favourite, then done, files the place.
