@@ -15,7 +15,7 @@ QString documents() { return qEnvironmentVariable("VELMORA_BENCH_DOCUMENTS"); }
 
 std::unique_ptr<Restaurants> openCatalogue(const QTemporaryDir &caches)
 {
-    auto restaurants = std::make_unique<Restaurants>(Restaurants::Environment{documents(), caches.path(), nullptr, "es"});
+    auto restaurants = std::make_unique<Restaurants>(Restaurants::Environment{documents(), caches.path(), nullptr, "es", QString()});
     if (!restaurants->ready())
         qFatal("no catalogue in %s", qPrintable(documents()));
     return restaurants;

@@ -73,7 +73,7 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     const int repetitions = argc > 1 ? std::max(1, atoi(argv[1])) : 5;
     QTemporaryDir caches;
-    Restaurants restaurants({qEnvironmentVariable("VELMORA_BENCH_DOCUMENTS"), caches.path(), nullptr, QStringLiteral("es")});
+    Restaurants restaurants({qEnvironmentVariable("VELMORA_BENCH_DOCUMENTS"), caches.path(), nullptr, QStringLiteral("es"), QString()});
     if (!restaurants.ready())
         qFatal("no catalogue");
     restaurants.waitForSearchIndex();

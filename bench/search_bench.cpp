@@ -36,7 +36,7 @@ QTemporaryDir &caches()
 
 std::unique_ptr<Restaurants> openCatalogue()
 {
-    auto restaurants = std::make_unique<Restaurants>(Restaurants::Environment{documents(), caches().path(), nullptr, "es"});
+    auto restaurants = std::make_unique<Restaurants>(Restaurants::Environment{documents(), caches().path(), nullptr, "es", QString()});
     if (!restaurants->ready())
         qFatal("no catalogue in %s", qPrintable(documents()));
     return restaurants;

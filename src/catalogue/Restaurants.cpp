@@ -80,7 +80,7 @@ struct Restaurants::Staged {
 
 Restaurants::Environment Restaurants::standardEnvironment()
 {
-    return {Paths::documents(), Paths::caches(), &UserDefaults::standard(), Localize::currentLanguage()};
+    return {Paths::documents(), Paths::caches(), &UserDefaults::standard(), Localize::currentLanguage(), Paths::applicationSupport()};
 }
 
 Restaurants &Restaurants::shared()
@@ -279,8 +279,13 @@ void Restaurants::loadDatabase()
         qCDebug(lcCatalogue) << "No catalogue in" << m_env.documents;
         return;
     }
-    if (applyPendingPatch(candidates.front().path, candidates.front().date))
-        return;
+    // A patched catalogue is taken into use by this same load, not by a second one queued after
+    // it: the app is never left without a ready catalogue in between.
+    if (applyPendingPatch(candidates.front().path, candidates.front().date)) {
+        candidates = scanCandidates(true);
+        if (candidates.empty())
+            return;
+    }
 
     // Newest first; a candidate that can't be used is kept on disk and the next one is tried, so
     // a damaged or half-copied new file never strands the user. A file that passes its open and
@@ -667,4 +672,3 @@ void Restaurants::applyTablesLanguage()
             province->name = name;
 }
 
-bool Restaurants::applyPendingPatch(const QString &, QDate) { return false; }

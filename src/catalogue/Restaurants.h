@@ -3,6 +3,7 @@
 #include "catalogue/FifoCache.h"
 #include "catalogue/Filters.h"
 #include "catalogue/LocalizableTable.h"
+#include "catalogue/PatchDelegate.h"
 #include "catalogue/PlaceCuisines.h"
 #include "catalogue/Province.h"
 #include "catalogue/Records.h"
@@ -25,6 +26,7 @@
 #include <vector>
 
 class Database;
+struct SqlSandbox;
 class PlaceListing;
 class DatabaseQueue;
 class UserDefaults;
@@ -42,6 +44,7 @@ public:
         QString caches;
         UserDefaults *defaults = nullptr;
         QString language; // the interface language at construction
+        QString applicationSupport; // where a patch is applied; empty: nowhere
     };
     struct Candidate {
         QString path;
@@ -130,9 +133,14 @@ public:
     // Written by the price filter panel; no query depends on it.
     int pricePolicy = 0;
 
-    // Replaces the catalogue with a pending patch applied. True when it did and a reload is
-    // queued; the base store has no patch step and answers false.
-    virtual bool applyPendingPatch(const QString &path, QDate date);
+    // Applies the patch noted under "patch-available" to a copy of the catalogue at `path`
+    // (version `date`) and moves the result into Documents under its new date. True when it did
+    // and a reload is queued; false for every failure, the catalogue at `path` untouched.
+    bool applyPendingPatch(const QString &path, QDate date);
+    // Who hears of a patch's progress and end; may be null. Not owned.
+    void setPatchDelegate(PatchDelegate *delegate);
+    // How far a patch's SQL may reach; tests shrink the step budget to meet a runaway script sooner.
+    void setPatchSandbox(const SqlSandbox &limits);
     // Opens Caches/fts.db, building it when its date differs from the catalogue's (always, when
     // `rebuild`). The build runs in the background; until it is done, searchIds answers from a
     // scan of the places in memory, with the same results. Failures only cost the index.
@@ -208,6 +216,8 @@ private:
     QString m_lang;
     quint64 m_generation = 0; // counts the catalogues taken into use
     mutable QHash<QString, FileStamp> m_refused;
+    PatchDelegate *m_patchDelegate = nullptr; // guarded by m_mutex
+    std::unique_ptr<SqlSandbox> m_patchSandbox; // guarded by m_mutex
 
     LocalizableTable m_price_ranks{QStringLiteral("price_ranks")};
     LocalizableTable m_cuisines{QStringLiteral("cuisines")};

@@ -95,6 +95,7 @@ bool Database::executeStatements(const QString &sql)
         return false;
     }
     clearError();
+    m_steps = 0;
     char *message = nullptr;
     const QByteArray utf8 = sql.toUtf8();
     const int rc = sqlite3_exec(m_db, utf8.constData(), nullptr, nullptr, &message);

@@ -35,6 +35,12 @@ private:
     sqlite3_stmt *m_statement = nullptr;
 };
 
+// How far SQL from outside the program (a patch's scripts) may reach: see Database::enterSandbox.
+struct SqlSandbox {
+    int maxStatementBytes = 8 * 1024 * 1024;
+    qint64 maxStepsPerRun = 2'000'000'000; // virtual-machine steps of one executeStatements call
+};
+
 // One connection to an SQLite or SQLCipher file. Nothing outside the platform layer sees
 // sqlite3 itself: callers open, key, run statements and read rows through this class.
 class Database
@@ -78,6 +84,15 @@ public:
     bool tableExists(const QString &table);
     bool columnExists(const QString &column, const QString &table);
 
+    // From now on statements may read and write the tables of this file (and temporary ones),
+    // nothing more: ATTACH, DETACH, transactions and savepoints (so VACUUM, which needs to be
+    // outside one, too), virtual tables, extension loading and every pragma but a few that only
+    // describe the schema are denied; a statement longer than the limit is refused, and a run
+    // that takes more steps than the limit is interrupted.
+    void enterSandbox(const SqlSandbox &limits);
+    // Back to the program's own statements (to commit what the sandboxed ones did).
+    void leaveSandbox();
+
     QString lastErrorMessage() const { return m_lastError; }
     int lastErrorCode() const { return m_lastErrorCode; }
     bool hadError() const { return m_lastErrorCode != 0; }
@@ -95,8 +110,14 @@ private:
     void recordError();
     void clearError();
 
+    static int authorizeSandboxed(void *, int action, const char *first, const char *second, const char *database, const char *);
+    static int countSandboxedSteps(void *database);
+
     QString m_path;
     sqlite3 *m_db = nullptr;
+    bool m_sandboxed = false;
+    SqlSandbox m_sandbox;
+    qint64 m_steps = 0;
     QString m_lastError;
     int m_lastErrorCode = 0;
     static std::atomic<int> s_keyedConnections;

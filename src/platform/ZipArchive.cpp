@@ -1,5 +1,7 @@
 #include "platform/ZipArchive.h"
 
+#include "platform/DurableFiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -58,54 +60,79 @@ bool ZipArchive::writeEncrypted(const QString &zipPath, const QString &entryName
     return true;
 }
 
-bool ZipArchive::extract(const QString &zipPath, const QString &destination, const QString &password, QStringList *entries,
-                         QString *error)
+bool ZipArchive::extractSingle(const QString &zipPath, const QString &destination, const QString &password,
+                               const ExtractLimits &limits, QString *entryName, QString *error)
 {
     int code = 0;
-    zip_t *archive = zip_open(QFile::encodeName(zipPath).constData(), ZIP_RDONLY, &code);
+    zip_t *archive = zip_open(QFile::encodeName(zipPath).constData(), ZIP_RDONLY | ZIP_CHECKCONS, &code);
     if (!archive) {
         *error = QStringLiteral("can't open %1: %2").arg(zipPath, openError(code));
         return false;
     }
     const std::unique_ptr<zip_t, decltype(&zip_discard)> closer(archive, zip_discard);
     zip_set_default_password(archive, password.toUtf8().constData());
-    const QDir target(destination);
-    const QString root = QFileInfo(destination).canonicalFilePath();
+
     const zip_int64_t count = zip_get_num_entries(archive, 0);
-    for (zip_int64_t i = 0; i < count; ++i) {
-        const QString name = QString::fromUtf8(zip_get_name(archive, zip_uint64_t(i), ZIP_FL_ENC_GUESS));
-        const QString path = QDir::cleanPath(target.absoluteFilePath(name));
-        if (name.isEmpty() || !path.startsWith(root + QLatin1Char('/'))) {
-            *error = QStringLiteral("entry \"%1\" would leave the destination").arg(name);
-            return false;
-        }
-        if (name.endsWith(QLatin1Char('/'))) {
-            QDir().mkpath(path);
-            continue;
-        }
-        zip_file_t *entry = zip_fopen_index(archive, zip_uint64_t(i), 0);
-        if (!entry) {
-            *error = QStringLiteral("can't read \"%1\": %2").arg(name, zipError(archive));
-            return false;
-        }
-        const std::unique_ptr<zip_file_t, decltype(&zip_fclose)> entryCloser(entry, zip_fclose);
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile out(path);
-        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-            *error = QStringLiteral("can't write %1").arg(path);
-            return false;
-        }
-        char buffer[64 * 1024];
-        zip_int64_t read;
-        while ((read = zip_fread(entry, buffer, sizeof buffer)) > 0)
-            out.write(buffer, read);
-        if (read < 0) {
-            *error = QStringLiteral("\"%1\" is damaged or the password is wrong").arg(name);
+    if (count != 1) {
+        *error = QStringLiteral("the archive holds %1 entries, not one").arg(count);
+        return false;
+    }
+    zip_stat_t stat;
+    zip_stat_init(&stat);
+    if (zip_stat_index(archive, 0, 0, &stat) != 0 || !(stat.valid & ZIP_STAT_NAME) || !(stat.valid & ZIP_STAT_SIZE)) {
+        *error = QStringLiteral("the archive's entry can't be read: ") + zipError(archive);
+        return false;
+    }
+    const QString name = QString::fromUtf8(stat.name);
+    if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..") || name.contains(QLatin1Char('/'))
+        || name.contains(QLatin1Char('\\')) || name.contains(QChar(0)) || name.startsWith(QLatin1Char('.'))) {
+        *error = QStringLiteral("entry \"%1\" is not a plain file name").arg(name);
+        return false;
+    }
+    const qint64 size = qint64(stat.size);
+    const qint64 archiveSize = QFileInfo(zipPath).size();
+    if (size > limits.maxBytes || (size > limits.ratioFloor && size > qint64(limits.maxRatio) * qMax<qint64>(archiveSize, 1))) {
+        *error = QStringLiteral("entry \"%1\" would unpack to %2 bytes from an archive of %3").arg(name).arg(size).arg(archiveSize);
+        return false;
+    }
+
+    zip_file_t *entry = zip_fopen_index(archive, 0, 0);
+    if (!entry) {
+        *error = QStringLiteral("can't read \"%1\": %2").arg(name, zipError(archive));
+        return false;
+    }
+    const std::unique_ptr<zip_file_t, decltype(&zip_fclose)> entryCloser(entry, zip_fclose);
+    const QString finalPath = QDir(destination).filePath(name);
+    const QString temporary = DurableFiles::temporaryPathFor(finalPath);
+    QFile out(temporary);
+    if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        *error = QStringLiteral("can't write %1").arg(temporary);
+        return false;
+    }
+    // The header's size is only a claim: more bytes than it said end the unpacking too.
+    char buffer[64 * 1024];
+    zip_int64_t read;
+    qint64 written = 0;
+    while ((read = zip_fread(entry, buffer, sizeof buffer)) > 0) {
+        written += read;
+        if (written > size || out.write(buffer, read) != read) {
+            *error = QStringLiteral("\"%1\" is longer than its header says, or the disk is full").arg(name);
             out.remove();
             return false;
         }
-        if (entries)
-            entries->append(name);
     }
+    out.close();
+    if (read < 0 || written != size) {
+        *error = QStringLiteral("\"%1\" is damaged or the password is wrong").arg(name);
+        out.remove();
+        return false;
+    }
+    QString moveError;
+    if (!DurableFiles::moveFile(temporary, finalPath, true, &moveError)) {
+        *error = moveError;
+        QFile::remove(temporary);
+        return false;
+    }
+    *entryName = name;
     return true;
 }

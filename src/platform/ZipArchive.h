@@ -1,15 +1,24 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 // Password-protected ZIP archives (AES-256), as patch archives travel.
 namespace ZipArchive {
 // Writes `zipPath` holding `sourceFile` under `entryName`, deflated and encrypted.
 bool writeEncrypted(const QString &zipPath, const QString &entryName, const QString &sourceFile, const QString &password,
                     QString *error);
-// Extracts every entry into `destination` (which must exist), overwriting; `entries` gets their
-// names. An entry whose name would leave `destination` is refused.
-bool extract(const QString &zipPath, const QString &destination, const QString &password, QStringList *entries,
-             QString *error);
+
+// What an archive from the network may unpack to. An archive that breaks a limit is refused
+// before a byte is written.
+struct ExtractLimits {
+    qint64 maxBytes = 512ll * 1024 * 1024; // uncompressed size of the entry
+    int maxRatio = 100;                    // uncompressed size to archive size...
+    qint64 ratioFloor = 1024 * 1024;       // ...once the entry is bigger than this
+};
+// Unpacks the one file an archive must hold into `destination` (which must exist), replacing a
+// file of that name; the name is given in `entryName`. Refused: more or fewer than one entry, a
+// name that is not a plain file name (a path, "..", a backslash), a size beyond the limits,
+// a damaged entry or a wrong password; AES and the older ZIP encryption both read.
+bool extractSingle(const QString &zipPath, const QString &destination, const QString &password, const ExtractLimits &limits,
+                   QString *entryName, QString *error);
 }

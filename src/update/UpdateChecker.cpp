@@ -118,7 +118,7 @@ void UpdateChecker::checkInternet(double minInterval, std::function<void(bool)> 
             if (done)
                 done(true);
         },
-        [done] {
+        [done](const QString &) {
             if (done)
                 done(false);
         });
@@ -137,7 +137,8 @@ bool UpdateChecker::isNewerDatabaseKnown() const
     return known.isValid() && catalogueDate(m_restaurants) < known.date();
 }
 
-void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion, std::function<void()> failed)
+void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion,
+                                    std::function<void(const QString &)> failed)
 {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
@@ -157,9 +158,13 @@ void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const Up
         QString why;
         const auto info = networkFailure || body.size() > maximumBody ? std::nullopt : parseUpdateInfo(decodedBody(reply, body), &why);
         if (!info) {
-            qCDebug(lcUpdate).noquote() << "No update information from" << url.toString() << reply->errorString() << why;
+            if (networkFailure)
+                why = reply->errorString();
+            else if (body.size() > maximumBody)
+                why = QStringLiteral("update info is too long");
+            qCDebug(lcUpdate).noquote() << "No update information from" << url.toString() << why;
             if (failed)
-                failed();
+                failed(why);
             return;
         }
         completion(*info);

@@ -41,9 +41,11 @@ public:
     // what is remembered already; from the Internet's answer or a local server's.
     void noteAnnouncedDate(const QDate &date);
 
-    // One fetch of update information: `completion` only for a body that parses. The status
-    // plays no part; bodies are read up to a few kilobytes and decoded by their declared charset.
-    void fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion, std::function<void()> failed = {});
+    // One fetch of update information: `completion` only for a body that parses, else `failed`
+    // with the network error's description or the parser's message. The status plays no part;
+    // bodies are read up to a few kilobytes and decoded by their declared charset.
+    void fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion,
+                         std::function<void(const QString &message)> failed = {});
 
     static constexpr qint64 maximumBody = 4096;
 

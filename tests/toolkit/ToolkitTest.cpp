@@ -90,14 +90,14 @@ ToolRun runTool(const QStringList &arguments)
 // Applies a patch archive's scripts to a copy of `oldPath`, as the app's patch step will.
 QString applyPatchArchive(const QString &oldPath, const QString &archive, const QString &workDir)
 {
-    QStringList entries;
+    QString entry;
     QString error;
-    if (!ZipArchive::extract(archive, workDir, PatchFiles::archivePassword, &entries, &error) || entries.size() != 1)
+    if (!ZipArchive::extractSingle(archive, workDir, PatchFiles::archivePassword, {}, &entry, &error))
         return QStringLiteral("extract: ") + error;
     const QString copy = workDir + QStringLiteral("/applied.db");
     QFile::remove(copy);
     QFile::copy(oldPath, copy);
-    Database patch(workDir + QLatin1Char('/') + entries.first());
+    Database patch(workDir + QLatin1Char('/') + entry);
     Database target(copy);
     if (!patch.openWithFlags(Database::ReadOnly) || !target.open() || !target.setKey(Restaurants::dbkey))
         return QStringLiteral("open");
@@ -273,8 +273,8 @@ TEST(Toolkit, PatchReproducesTheNewCatalogue)
     ASSERT_TRUE(applied.endsWith(QLatin1String("applied.db"))) << applied.toStdString();
     EXPECT_EQ(firstDifference(applied, newPath, &error), QString());
     EXPECT_TRUE(QFile::exists(dir.filePath(QStringLiteral("velmora-20261101-20261201.db"))));
-    QStringList entries;
-    EXPECT_FALSE(ZipArchive::extract(archive, dir.path(), QStringLiteral("wrong"), &entries, &error));
+    QString entry;
+    EXPECT_FALSE(ZipArchive::extractSingle(archive, dir.path(), QStringLiteral("wrong"), {}, &entry, &error));
 
     // Same date, or going back in time: refused, nothing written.
     EXPECT_FALSE(buildPatch(oldPath, oldPath, dir.filePath(QStringLiteral("same.zip")), &error));

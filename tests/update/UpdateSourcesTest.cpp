@@ -49,7 +49,7 @@ std::optional<UpdateInfo> fetch(UpdateChecker &checker, const QUrl &url)
 {
     std::optional<UpdateInfo> answer;
     bool done = false;
-    checker.fetchUpdateInfo(url, [&](const UpdateInfo &info) { answer = info, done = true; }, [&] { done = true; });
+    checker.fetchUpdateInfo(url, [&](const UpdateInfo &info) { answer = info, done = true; }, [&](const QString &) { done = true; });
     EXPECT_TRUE(QTest::qWaitFor([&] { return done; }, 10000));
     return answer;
 }

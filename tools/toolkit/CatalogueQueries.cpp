@@ -29,7 +29,7 @@ public:
             return false;
         }
         restaurants = std::make_unique<Restaurants>(Restaurants::Environment{
-            m_dir.filePath(QStringLiteral("Documents")), m_dir.filePath(QStringLiteral("Caches")), nullptr, QStringLiteral("es")});
+            m_dir.filePath(QStringLiteral("Documents")), m_dir.filePath(QStringLiteral("Caches")), nullptr, QStringLiteral("es"), QString()});
         if (!restaurants->ready()) {
             *error = QStringLiteral("%1 is not a readable catalogue").arg(path);
             return false;

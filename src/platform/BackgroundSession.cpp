@@ -1,0 +1,308 @@
+#include "platform/BackgroundSession.h"
+
+#include "platform/DurableFiles.h"
+#include "platform/FaultInjection.h"
+#include "platform/Logging.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QRegularExpression>
+
+struct BackgroundSession::Task {
+    QUrl url;
+    QByteArray etag;
+    QByteArray lastModified;
+    qint64 expected = -1; // the whole body's size, when the server said
+    int status = 0;
+    bool isHttp = false;
+    bool finished = false; // the body is complete; its delivery may still be owed
+    int resumes = 0;       // lost connections resumed since bytes last arrived
+    qint64 offset = 0;     // where the body of the reply under way starts in the file
+};
+
+namespace {
+int urlErrorCode(QNetworkReply::NetworkError error)
+{
+    switch (error) {
+    case QNetworkReply::OperationCanceledError: return BackgroundSession::Cancelled;
+    case QNetworkReply::TimeoutError: return BackgroundSession::TimedOut;
+    case QNetworkReply::HostNotFoundError: return BackgroundSession::CannotFindHost;
+    case QNetworkReply::ConnectionRefusedError: return BackgroundSession::CannotConnectToHost;
+    case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::ProtocolFailure: return BackgroundSession::NetworkConnectionLost;
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::NetworkSessionFailedError: return BackgroundSession::NotConnectedToInternet;
+    case QNetworkReply::ContentNotFoundError: return BackgroundSession::FileDoesNotExist;
+    default: return BackgroundSession::Unknown;
+    }
+}
+
+// Worth resuming: the connection went, the server didn't refuse.
+bool isLostConnection(int code)
+{
+    return code == BackgroundSession::NetworkConnectionLost || code == BackgroundSession::TimedOut
+           || code == BackgroundSession::NotConnectedToInternet || code == BackgroundSession::CannotConnectToHost;
+}
+
+// "bytes 100-199/1000": where the part starts and the whole's size (-1 for "*").
+std::optional<std::pair<qint64, qint64>> contentRange(const QByteArray &header)
+{
+    static const QRegularExpression pattern(QStringLiteral("^bytes (\\d+)-\\d+/(\\d+|\\*)$"));
+    const auto match = pattern.match(QString::fromLatin1(header.trimmed()));
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QString total = match.captured(2);
+    return std::make_pair(match.captured(1).toLongLong(), total == QLatin1String("*") ? -1 : total.toLongLong());
+}
+}
+
+BackgroundSession::BackgroundSession(const QString &identifier, const QString &directory, QObject *parent)
+    : QObject(parent)
+    , m_recordPath(QDir(directory).filePath(identifier + QStringLiteral(".task")))
+    , m_bodyPath(QDir(directory).filePath(identifier + QStringLiteral(".download")))
+    , m_manager(new QNetworkAccessManager(this))
+{
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, &BackgroundSession::start);
+}
+
+BackgroundSession::~BackgroundSession()
+{
+    // The record stays: the next process picks the task up.
+    if (m_reply) {
+        m_reply->disconnect(this);
+        m_reply->abort();
+    }
+}
+
+bool BackgroundSession::saveRecord() const
+{
+    const QJsonObject record{
+        {QStringLiteral("url"), m_task->url.toString()},
+        {QStringLiteral("etag"), QString::fromLatin1(m_task->etag)},
+        {QStringLiteral("last-modified"), QString::fromLatin1(m_task->lastModified)},
+        {QStringLiteral("expected"), m_task->expected},
+        {QStringLiteral("status"), m_task->status},
+        {QStringLiteral("http"), m_task->isHttp},
+        {QStringLiteral("finished"), m_task->finished},
+    };
+    QString error;
+    if (!DurableFiles::writeFile(m_recordPath, QJsonDocument(record).toJson(QJsonDocument::Compact), &error)) {
+        qCWarning(lcUpdate).noquote() << "Transfer record not written:" << error;
+        return false;
+    }
+    return true;
+}
+
+std::unique_ptr<BackgroundSession::Task> BackgroundSession::loadRecord() const
+{
+    QFile file(m_recordPath);
+    if (!file.open(QIODevice::ReadOnly))
+        return nullptr;
+    const QJsonObject record = QJsonDocument::fromJson(file.readAll()).object();
+    auto task = std::make_unique<Task>();
+    task->url = QUrl(record.value(QStringLiteral("url")).toString());
+    task->etag = record.value(QStringLiteral("etag")).toString().toLatin1();
+    task->lastModified = record.value(QStringLiteral("last-modified")).toString().toLatin1();
+    task->expected = qint64(record.value(QStringLiteral("expected")).toDouble(-1));
+    task->status = record.value(QStringLiteral("status")).toInt();
+    task->isHttp = record.value(QStringLiteral("http")).toBool();
+    task->finished = record.value(QStringLiteral("finished")).toBool();
+    return task->url.isValid() ? std::move(task) : nullptr;
+}
+
+void BackgroundSession::resumePendingTask()
+{
+    if (m_task)
+        return;
+    m_task = loadRecord();
+    if (!m_task) {
+        QFile::remove(m_recordPath);
+        return;
+    }
+    if (m_task->finished) {
+        qCInfo(lcUpdate).noquote() << "Delivering the transfer of" << m_task->url.toString() << "finished by an earlier run";
+        if (QFileInfo::exists(m_bodyPath))
+            deliverFinished(m_task->status, m_task->isHttp);
+        else
+            endTask();
+        return;
+    }
+    qCInfo(lcUpdate).noquote() << "Resuming the transfer of" << m_task->url.toString() << "at" << QFileInfo(m_bodyPath).size() << "bytes";
+    start();
+}
+
+void BackgroundSession::download(const QUrl &url)
+{
+    if (m_reply) {
+        m_reply->disconnect(this);
+        m_reply->abort();
+        m_reply->deleteLater();
+    }
+    m_retry.stop();
+    m_body.close();
+    // A partial file of the same URL, from this run or an earlier one, is resumed; of another, it goes.
+    if (!m_task)
+        m_task = loadRecord();
+    if (!m_task || m_task->url != url || m_task->finished) {
+        QFile::remove(m_bodyPath);
+        m_task = std::make_unique<Task>();
+        m_task->url = url;
+    }
+    m_task->resumes = 0;
+    saveRecord();
+    start();
+}
+
+void BackgroundSession::start()
+{
+    const qint64 have = QFileInfo(m_bodyPath).size();
+    QNetworkRequest request(m_task->url);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    request.setMaximumRedirectsAllowed(5);
+    request.setTransferTimeout(60000);
+    request.setRawHeader("Accept-Encoding", "identity");
+    const QByteArray validator = !m_task->etag.isEmpty() && !m_task->etag.startsWith("W/") ? m_task->etag : m_task->lastModified;
+    m_task->offset = 0;
+    m_task->isHttp = false;
+    m_task->status = 0;
+    if (have > 0 && !validator.isEmpty()) {
+        request.setRawHeader("Range", "bytes=" + QByteArray::number(have) + '-');
+        request.setRawHeader("If-Range", validator);
+        m_task->offset = have;
+    }
+    m_reply = m_manager->get(request);
+    connect(m_reply, &QNetworkReply::metaDataChanged, this, &BackgroundSession::headersArrived);
+    connect(m_reply, &QNetworkReply::readyRead, this, &BackgroundSession::readBody);
+    connect(m_reply, &QNetworkReply::finished, this, &BackgroundSession::finished);
+}
+
+void BackgroundSession::headersArrived()
+{
+    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    m_task->isHttp = status.isValid();
+    m_task->status = status.toInt();
+    qint64 partStart = 0;
+    qint64 expected = m_reply->header(QNetworkRequest::ContentLengthHeader).isValid()
+                          ? m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong()
+                          : -1;
+    if (m_task->status == 206) {
+        const auto range = contentRange(m_reply->rawHeader("Content-Range"));
+        // A part that doesn't start where the file ends can't be appended: start again.
+        if (!range || range->first != m_task->offset) {
+            qCWarning(lcUpdate) << "Unusable partial answer; starting the transfer again";
+            m_reply->disconnect(this);
+            m_reply->abort();
+            m_reply->deleteLater();
+            QFile::remove(m_bodyPath);
+            m_task->etag.clear();
+            m_task->lastModified.clear();
+            start();
+            return;
+        }
+        partStart = range->first;
+        expected = range->second;
+        m_task->status = 200; // the whole body, once this part is appended
+    } else if (m_task->offset > 0) {
+        qCInfo(lcUpdate) << "The file changed on the server: the transfer starts again from zero";
+    }
+    m_task->offset = partStart;
+    m_task->expected = expected;
+    m_task->etag = m_reply->rawHeader("ETag");
+    m_task->lastModified = m_reply->rawHeader("Last-Modified");
+    m_body.close();
+    m_body.setFileName(m_bodyPath);
+    if (!m_body.open(partStart > 0 ? QIODevice::Append : QIODevice::WriteOnly | QIODevice::Truncate))
+        qCWarning(lcUpdate).noquote() << "Can't write" << m_bodyPath << m_body.errorString();
+    saveRecord();
+}
+
+void BackgroundSession::readBody()
+{
+    if (!m_body.isOpen())
+        headersArrived(); // not every scheme announces its headers
+    if (!m_body.isOpen() || !m_reply)
+        return;
+    const QByteArray bytes = m_reply->readAll();
+    if (bytes.isEmpty())
+        return;
+    m_body.write(bytes);
+    m_body.flush();
+    m_task->resumes = 0;
+    crashPoint("transfer-data");
+    if (m_task->isHttp && m_task->status >= 200 && m_task->status <= 299)
+        emit didWriteData(m_body.size(), m_task->expected);
+}
+
+void BackgroundSession::finished()
+{
+    QNetworkReply *reply = m_reply;
+    m_reply = nullptr;
+    reply->deleteLater();
+    if (reply->bytesAvailable() > 0) {
+        m_reply = reply;
+        readBody();
+        m_reply = nullptr;
+    }
+    const qint64 have = m_body.isOpen() ? m_body.size() : QFileInfo(m_bodyPath).size();
+    m_body.close();
+
+    int code = reply->error() == QNetworkReply::NoError ? 0 : urlErrorCode(reply->error());
+    // An HTTP answer with an error status is still a finished download; only transport faults fail.
+    if (m_task->isHttp && reply->error() > QNetworkReply::UnknownProxyError)
+        code = 0;
+    // A body shorter than announced is a lost connection, however the socket closed.
+    if (code == 0 && m_task->isHttp && m_task->status == 200 && m_task->expected >= 0 && have < m_task->expected)
+        code = NetworkConnectionLost;
+    if (code != 0) {
+        if (isLostConnection(code) && m_task->resumes < maximumResumes) {
+            ++m_task->resumes;
+            qCInfo(lcUpdate).noquote() << "Transfer interrupted at" << have << "bytes:" << reply->errorString() << "- resuming";
+            m_retry.start(500 * (1 << m_task->resumes));
+            return;
+        }
+        // The partial file and its record stay for a later task of the same URL.
+        qCWarning(lcUpdate).noquote() << "Transfer of" << m_task->url.toString() << "failed:" << reply->errorString();
+        const QString message = reply->errorString();
+        emit didComplete(code, message);
+        return;
+    }
+    deliverFinished(m_task->status, m_task->isHttp);
+}
+
+void BackgroundSession::deliverFinished(int status, bool isHttp)
+{
+    m_task->finished = true;
+    saveRecord();
+    crashPoint("transfer-finished");
+    emit didFinishDownloading(m_bodyPath, status, isHttp);
+    endTask();
+    emit didComplete(0, QString());
+}
+
+void BackgroundSession::endTask()
+{
+    QFile::remove(m_bodyPath);
+    QFile::remove(m_recordPath);
+    m_task.reset();
+}
+
+void BackgroundSession::cancelAll()
+{
+    m_retry.stop();
+    if (m_reply) {
+        m_reply->disconnect(this);
+        m_reply->abort();
+        m_reply->deleteLater();
+    }
+    m_body.close();
+    const bool hadTask = m_task != nullptr;
+    endTask();
+    if (hadTask)
+        emit didComplete(Cancelled, QStringLiteral("cancelled"));
+}

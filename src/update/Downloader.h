@@ -1,0 +1,95 @@
+#pragma once
+
+#include "catalogue/PatchDelegate.h"
+#include "update/DownloaderDelegate.h"
+#include "update/ServiceCenter.h"
+
+#include <QObject>
+#include <QUrl>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class BackgroundSession;
+class OperationQueue;
+class Restaurants;
+class UpdateChecker;
+class UserDefaults;
+
+// What the background transfer is for; persisted by name in "downloader-state" so that its end
+// is routed right also in a later run of the process.
+enum class DownloadState { Idle = 0, DownloadingLastTxt = 1, DownloadingDB = 2, DownloadingPatch = 3 };
+QString downloadStateName(DownloadState state);
+DownloadState downloadStateFromName(const QString &name); // Idle for anything unknown
+
+// Brings a newer catalogue onto the device: asks the sources in order of priority for their
+// update information, fetches the patch from the present catalogue to the announced one, and
+// falls back to the whole file. One exists per process, made by the application at start so that
+// a transfer left by an earlier run reaches it.
+class Downloader : public QObject, public PatchDelegate
+{
+    Q_OBJECT
+
+public:
+    static inline const QString backgroundID = QStringLiteral("com.brenvistaco.ios.velmora.download_db");
+    static inline const QString errorDomain = QStringLiteral("Velmora");
+    // The Internet source's place among the local servers.
+    static constexpr int internetPriority = 100;
+
+    struct Folders {
+        QString caches;             // the transfer's file and record
+        QString applicationSupport; // where a patch archive is unpacked
+    };
+
+    Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateChecker &checker, ServiceCenter *services,
+               Folders folders, QObject *parent = nullptr);
+    ~Downloader() override;
+
+    // The one the screens use; set by whoever made it, null before.
+    static Downloader *shared();
+    static void setShared(Downloader *downloader);
+
+    // Not owned; the delegate clears itself before it goes.
+    void setDelegate(DownloaderDelegate *delegate) { m_delegate = delegate; }
+    DownloaderDelegate *delegate() const { return m_delegate; }
+    void setBackgroundDownloadCompletionHandler(std::function<void()> handler) { m_completionHandler = std::move(handler); }
+
+    DownloadState state() const;
+    const QList<UpdateURL> &pendingURLs() const { return m_pendingURLs; }
+
+    void startUpdate();
+    void cancel();
+    // Whether a transfer is running, told on the main thread.
+    void isDownloading(std::function<void(bool)> completion) const;
+    void startFullDownload(const std::optional<QUrl> &url = std::nullopt);
+
+    // PatchDelegate: called on the thread that applies the patch.
+    void patchProgress(int done, int total) override;
+    void patchSuceeded() override;
+    void patchFailed(const QString &message, PatchFailedAction action) override;
+
+private:
+    void fillPendingURLs();
+    void tryNextSource(const QString &message);
+    void startPatchDownload(const QDate &date, const QUrl &url);
+    void failWith(int code, const QString &message);
+    void didFinishDownloading(const QString &location, int status, bool isHttp);
+    void didComplete(int errorCode, const QString &message);
+    void installCatalogue(const QString &location);
+    void installPatch(const QString &location);
+    // Runs `call` on the delegate on the main thread, if there is one by then.
+    void toDelegate(std::function<void(DownloaderDelegate &)> call);
+
+    Restaurants &m_restaurants;
+    UserDefaults &m_defaults;
+    UpdateChecker &m_checker;
+    ServiceCenter *m_services;
+    const Folders m_folders;
+    DownloaderDelegate *m_delegate = nullptr;
+    std::function<void()> m_completionHandler;
+    QList<UpdateURL> m_pendingURLs; // the last is next
+    quint64 m_attempt = 0;          // a cancel makes answers to earlier fetches stale
+    BackgroundSession *m_session;
+    std::unique_ptr<OperationQueue> m_reloadQueue;
+};
