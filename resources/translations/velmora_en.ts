@@ -460,6 +460,8 @@
   --dump-ui           print the visible accessible items as JSON, quit
   --check-updates     ask the Internet and the local network for a newer catalogue,
                       print what answered as JSON, quit (no window)
+  --update-now        fetch and install a newer catalogue (a patch, else the whole
+                      file), printing progress and a JSON result, quit (no window)
   --update-url URL    where the update information is (default: the setting update-url)
   --version           print the version and quit
   -h, --help          print this help and quit

@@ -460,6 +460,9 @@
   --dump-ui           imprime en JSON los elementos accesibles visibles, y sale
   --check-updates     pregunta a Internet y a la red local por un catálogo más nuevo,
                       imprime en JSON quién respondió, y sale (sin ventana)
+  --update-now        descarga e instala un catálogo más nuevo (un parche o, si no,
+                      el archivo entero), imprime el progreso y un resultado JSON,
+                      y sale (sin ventana)
   --update-url URL    dónde está la información de actualización (por omisión: el ajuste update-url)
   --version           imprime la versión y sale
   -h, --help          imprime esta ayuda y sale

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "update/Downloader.h"
 #include "update/ServiceCenter.h"
 #include "update/UpdateChecker.h"
 
@@ -71,6 +72,10 @@ bool AppDelegate::didFinishLaunching()
     m_updateChecker = new UpdateChecker(defaults, m_restaurants, this);
     m_serviceCenter = new ServiceCenter(*m_updateChecker, this);
     m_updateChecker->startMonitoring();
+    // Made at start, so that a transfer an earlier run left behind goes on and ends where it should.
+    m_downloader = new Downloader(m_restaurants, defaults, *m_updateChecker, m_serviceCenter,
+                                  {Paths::caches(), Paths::applicationSupport()}, this);
+    Downloader::setShared(m_downloader);
 
     if (m_restaurants.ready())
         showSubscriptionUI();

@@ -17,6 +17,7 @@ class SideMenuViewController;
 // The QML window renders `root`; every rule of the choice lives here, so tests check it without
 // a window.
 class ServiceCenter;
+class Downloader;
 class UpdateChecker;
 
 class AppDelegate : public QObject, public SideMenuPresenter
@@ -99,8 +100,10 @@ private:
     // Made at launch and kept for the life of the process: the sources of newer catalogues.
     UpdateChecker *m_updateChecker = nullptr;
     ServiceCenter *m_serviceCenter = nullptr;
+    Downloader *m_downloader = nullptr;
 
 public:
     UpdateChecker *updateChecker() const { return m_updateChecker; }
     ServiceCenter *serviceCenter() const { return m_serviceCenter; }
+    Downloader *downloader() const { return m_downloader; }
 };

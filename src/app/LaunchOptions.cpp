@@ -54,6 +54,8 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments)
                 return refuse(QStringLiteral("--screenshot needs a file name"));
         } else if (argument == QLatin1String("--check-updates")) {
             options.checkUpdates = true;
+        } else if (argument == QLatin1String("--update-now")) {
+            options.updateNow = true;
         } else if (argument == QLatin1String("--update-url")) {
             if (!value(options.updateUrl) || !QUrl(options.updateUrl, QUrl::StrictMode).isValid())
                 return refuse(QStringLiteral("--update-url needs a URL"));

@@ -17,6 +17,7 @@ struct LaunchOptions {
     QString link;           // --open URL, or a velmora:// link given on its own
     QString updateUrl;      // --update-url URL: the Internet endpoint of update information
     bool checkUpdates = false; // --check-updates: ask every source, print JSON, quit (no window)
+    bool updateNow = false;    // --update-now: fetch and install a newer catalogue, print JSON, quit
 
     bool reportsAndQuits() const { return selfTest || dumpUi || !screenshot.isEmpty(); }
 

@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
 #include "app/LaunchOptions.h"
-#include "app/UpdateCheckCommand.h"
+#include "app/UpdateCommands.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Database.h"
 #include "platform/Paths.h"
@@ -55,14 +55,18 @@ int main(int argc, char *argv[])
 
     if (!options.updateUrl.isEmpty())
         UpdateChecker::setInternetURLOverride(QUrl(options.updateUrl));
-    if (options.checkUpdates) {
+    if (options.checkUpdates || options.updateNow) {
         // Headless: no display needed, nothing shown.
         QCoreApplication app(argc, argv);
         QCoreApplication::setOrganizationName(QStringLiteral("Velmora"));
         QCoreApplication::setApplicationName(QStringLiteral("Velmora"));
         if (!options.home.isEmpty())
             Paths::setRoot(options.home);
-        return runUpdateCheck(qEnvironmentVariableIntValue("VELMORA_DISCOVERY_SECONDS") > 0 ? qEnvironmentVariableIntValue("VELMORA_DISCOVERY_SECONDS") : 4);
+        // Discovery's time: 4 s unless VELMORA_DISCOVERY_SECONDS says otherwise (0 skips it).
+        bool given = false;
+        const int discovery = qEnvironmentVariableIntValue("VELMORA_DISCOVERY_SECONDS", &given);
+        const int seconds = given ? qMax(0, discovery) : 4;
+        return options.updateNow ? runUpdateNow(seconds) : runUpdateCheck(seconds);
     }
 
     QGuiApplication app(argc, argv);

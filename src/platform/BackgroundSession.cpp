@@ -64,6 +64,7 @@ BackgroundSession::BackgroundSession(const QString &identifier, const QString &d
     : QObject(parent)
     , m_recordPath(QDir(directory).filePath(identifier + QStringLiteral(".task")))
     , m_bodyPath(QDir(directory).filePath(identifier + QStringLiteral(".download")))
+    , m_finishedPath(QDir(directory).filePath(identifier + QStringLiteral(".finished")))
     , m_manager(new QNetworkAccessManager(this))
 {
     m_retry.setSingleShot(true);
@@ -126,7 +127,7 @@ void BackgroundSession::resumePendingTask()
     }
     if (m_task->finished) {
         qCInfo(lcUpdate).noquote() << "Delivering the transfer of" << m_task->url.toString() << "finished by an earlier run";
-        if (QFileInfo::exists(m_bodyPath))
+        if (QFileInfo::exists(m_bodyPath) || QFileInfo::exists(m_finishedPath))
             deliverFinished(m_task->status, m_task->isHttp);
         else
             endTask();
@@ -277,11 +278,20 @@ void BackgroundSession::finished()
 
 void BackgroundSession::deliverFinished(int status, bool isHttp)
 {
+    // The body leaves the transfer's name before the handler runs, so that the handler may start
+    // the next task at once.
     m_task->finished = true;
     saveRecord();
     crashPoint("transfer-finished");
-    emit didFinishDownloading(m_bodyPath, status, isHttp);
-    endTask();
+    if (QFileInfo::exists(m_bodyPath)) {
+        QFile::remove(m_finishedPath);
+        QFile::rename(m_bodyPath, m_finishedPath);
+    }
+    m_task.reset();
+    emit didFinishDownloading(m_finishedPath, status, isHttp);
+    QFile::remove(m_finishedPath);
+    if (!m_task)
+        QFile::remove(m_recordPath);
     emit didComplete(0, QString());
 }
 

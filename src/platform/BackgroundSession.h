@@ -74,6 +74,7 @@ private:
 
     QString m_recordPath;
     QString m_bodyPath;
+    QString m_finishedPath; // a complete body while its handler runs
     QNetworkAccessManager *m_manager;
     QPointer<QNetworkReply> m_reply;
     QFile m_body;

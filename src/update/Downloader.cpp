@@ -264,7 +264,14 @@ void Downloader::installPatch(const QString &location)
     m_defaults.setString(path, DefaultKeys::patchAvailable);
     m_restaurants.setPatchDelegate(this);
     Restaurants *restaurants = &m_restaurants;
-    m_reloadQueue->addOperation([restaurants] { restaurants->reload(); });
+    QPointer<Downloader> self(this);
+    m_reloadQueue->addOperation([restaurants, self] {
+        restaurants->reload();
+        dispatchMain([self] {
+            if (self)
+                emit self->reloadFinished();
+        });
+    });
 }
 
 void Downloader::patchProgress(int done, int total)

@@ -69,6 +69,10 @@ public:
     void patchSuceeded() override;
     void patchFailed(const QString &message, PatchFailedAction action) override;
 
+signals:
+    // The reload that follows an unpacked patch is over (the catalogue patched, or not).
+    void reloadFinished();
+
 private:
     void fillPendingURLs();
     void tryNextSource(const QString &message);
