@@ -73,7 +73,8 @@ bool AppDelegate::didFinishLaunching()
     m_serviceCenter = new ServiceCenter(*m_updateChecker, this);
     m_updateChecker->startMonitoring();
     // Made at start, so that a transfer an earlier run left behind goes on and ends where it should.
-    m_downloader = new Downloader(m_restaurants, defaults, *m_updateChecker, m_serviceCenter,
+    ServiceCenter *center = m_serviceCenter;
+    m_downloader = new Downloader(m_restaurants, defaults, *m_updateChecker, [center] { return center->updateURLs(); },
                                   {Paths::caches(), Paths::applicationSupport()}, this);
     Downloader::setShared(m_downloader);
 

@@ -172,7 +172,8 @@ int runUpdateNow(int discoverySeconds)
     Restaurants &restaurants = Restaurants::shared();
     UpdateChecker checker(defaults, restaurants);
     ServiceCenter center(checker);
-    Downloader downloader(restaurants, defaults, checker, &center, {Paths::caches(), Paths::applicationSupport()});
+    Downloader downloader(restaurants, defaults, checker, [&center] { return center.updateURLs(); },
+                          {Paths::caches(), Paths::applicationSupport()});
     QEventLoop loop;
     UpdateNowFollower follower(restaurants, downloader, loop);
     downloader.setDelegate(&follower);

@@ -26,8 +26,8 @@ QString openError(int code)
 }
 }
 
-bool ZipArchive::writeEncrypted(const QString &zipPath, const QString &entryName, const QString &sourceFile,
-                                const QString &password, QString *error)
+bool ZipArchive::write(const QString &zipPath, const QList<Entry> &entries, const QString &password, Encryption encryption,
+                       QString *error)
 {
     int code = 0;
     zip_t *archive = zip_open(QFile::encodeName(zipPath).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
@@ -35,22 +35,29 @@ bool ZipArchive::writeEncrypted(const QString &zipPath, const QString &entryName
         *error = QStringLiteral("can't create %1: %2").arg(zipPath, openError(code));
         return false;
     }
-    zip_source_t *source = zip_source_file(archive, QFile::encodeName(sourceFile).constData(), 0, -1);
-    const QByteArray name = entryName.toUtf8();
     const QByteArray secret = password.toUtf8();
-    zip_int64_t index = source ? zip_file_add(archive, name.constData(), source, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE) : -1;
-    if (index < 0) {
-        *error = zipError(archive);
-        if (source)
-            zip_source_free(source);
-        zip_discard(archive);
-        return false;
-    }
-    if (zip_set_file_compression(archive, zip_uint64_t(index), ZIP_CM_DEFLATE, 9) != 0
-        || zip_file_set_encryption(archive, zip_uint64_t(index), ZIP_EM_AES_256, secret.constData()) != 0) {
-        *error = zipError(archive);
-        zip_discard(archive);
-        return false;
+    const zip_uint16_t method = encryption == Encryption::Aes256 ? ZIP_EM_AES_256 : ZIP_EM_TRAD_PKWARE;
+    for (const Entry &entry : entries) {
+        // Bytes given in memory must outlive zip_close: libzip reads them only then.
+        zip_source_t *source = entry.sourceFile.isEmpty()
+                                   ? zip_source_buffer(archive, entry.bytes.constData(), zip_uint64_t(entry.bytes.size()), 0)
+                                   : zip_source_file(archive, QFile::encodeName(entry.sourceFile).constData(), 0, -1);
+        const QByteArray name = entry.name.toUtf8();
+        const zip_int64_t index = source ? zip_file_add(archive, name.constData(), source, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE) : -1;
+        if (index < 0) {
+            *error = zipError(archive);
+            if (source)
+                zip_source_free(source);
+            zip_discard(archive);
+            return false;
+        }
+        if (zip_set_file_compression(archive, zip_uint64_t(index), ZIP_CM_DEFLATE, 9) != 0
+            || (encryption != Encryption::None
+                && zip_file_set_encryption(archive, zip_uint64_t(index), method, secret.constData()) != 0)) {
+            *error = zipError(archive);
+            zip_discard(archive);
+            return false;
+        }
     }
     if (zip_close(archive) != 0) {
         *error = zipError(archive);
@@ -58,6 +65,12 @@ bool ZipArchive::writeEncrypted(const QString &zipPath, const QString &entryName
         return false;
     }
     return true;
+}
+
+bool ZipArchive::writeEncrypted(const QString &zipPath, const QString &entryName, const QString &sourceFile,
+                                const QString &password, QString *error)
+{
+    return write(zipPath, {Entry{entryName, {}, sourceFile}}, password, Encryption::Aes256, error);
 }
 
 bool ZipArchive::extractSingle(const QString &zipPath, const QString &destination, const QString &password,

@@ -1,10 +1,23 @@
 #pragma once
 
+#include <QByteArray>
+#include <QList>
 #include <QString>
 
 // Password-protected ZIP archives (AES-256), as patch archives travel.
 namespace ZipArchive {
-// Writes `zipPath` holding `sourceFile` under `entryName`, deflated and encrypted.
+enum class Encryption { Aes256, Traditional, None };
+// One file of an archive: its bytes, or the file they are read from.
+struct Entry {
+    QString name;
+    QByteArray bytes;
+    QString sourceFile;
+};
+// Writes `zipPath` holding `entries`, deflated, each encrypted with `password` as asked. The
+// toolkit writes AES-256; the older ZIP encryption exists for archives made elsewhere.
+bool write(const QString &zipPath, const QList<Entry> &entries, const QString &password, Encryption encryption,
+           QString *error);
+// The common case: one file, AES-256.
 bool writeEncrypted(const QString &zipPath, const QString &entryName, const QString &sourceFile, const QString &password,
                     QString *error);
 

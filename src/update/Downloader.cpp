@@ -38,13 +38,13 @@ DownloadState downloadStateFromName(const QString &name)
     return DownloadState::Idle;
 }
 
-Downloader::Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateChecker &checker, ServiceCenter *services,
+Downloader::Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateChecker &checker, LocalSources localSources,
                        Folders folders, QObject *parent)
     : QObject(parent)
     , m_restaurants(restaurants)
     , m_defaults(defaults)
     , m_checker(checker)
-    , m_services(services)
+    , m_localSources(std::move(localSources))
     , m_folders(std::move(folders))
     , m_session(new BackgroundSession(backgroundID, m_folders.caches, this))
     , m_reloadQueue(std::make_unique<OperationQueue>(1))
@@ -84,7 +84,7 @@ void Downloader::toDelegate(std::function<void(DownloaderDelegate &)> call)
 void Downloader::fillPendingURLs()
 {
     m_pendingURLs.append({m_checker.internetURL(), internetPriority});
-    QList<UpdateURL> local = m_services ? m_services->updateURLs() : QList<UpdateURL>();
+    QList<UpdateURL> local = m_localSources ? m_localSources() : QList<UpdateURL>();
     std::stable_sort(local.begin(), local.end(), [](const UpdateURL &a, const UpdateURL &b) { return a.priority < b.priority; });
     m_pendingURLs.append(local);
 }

@@ -42,7 +42,10 @@ public:
         QString applicationSupport; // where a patch archive is unpacked
     };
 
-    Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateChecker &checker, ServiceCenter *services,
+    // The local servers known at the moment of asking (the ServiceCenter's, in the app).
+    using LocalSources = std::function<QList<UpdateURL>()>;
+
+    Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateChecker &checker, LocalSources localSources,
                Folders folders, QObject *parent = nullptr);
     ~Downloader() override;
 
@@ -88,7 +91,7 @@ private:
     Restaurants &m_restaurants;
     UserDefaults &m_defaults;
     UpdateChecker &m_checker;
-    ServiceCenter *m_services;
+    LocalSources m_localSources;
     const Folders m_folders;
     DownloaderDelegate *m_delegate = nullptr;
     std::function<void()> m_completionHandler;
