@@ -181,11 +181,23 @@ int runUpdateNow(int discoverySeconds)
 
     follower.say(QStringLiteral("catalogue %1; asking the update sources").arg(isoDate(restaurants.databaseVersionDate())));
     const bool internetAnswered = askAllSources(checker, discoverySeconds);
-    // A transfer left by an earlier run has resumed meanwhile and may have ended already.
-    bool running = false;
-    downloader.isDownloading([&](bool answer) { running = answer; });
+    // A transfer left by an earlier run has resumed meanwhile; what it leads to (a patch being
+    // applied, a catalogue installed) is over before anything new is decided.
+    const bool running = downloader.isBusy();
+    if (running)
+        follower.say(QStringLiteral("continuing the transfer of an earlier run"));
+    if (running) {
+        QEventLoop idle;
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, &idle, [&] {
+            if (follower.outcome || !downloader.isBusy())
+                idle.quit();
+        });
+        tick.start(20);
+        idle.exec();
+    }
     QCoreApplication::processEvents();
-    if (!follower.outcome && !running) {
+    if (!follower.outcome) {
         if (!internetAnswered && center.updateURLs().isEmpty())
             follower.finish(QStringLiteral("failed"), QStringLiteral("no update source answered"));
         else if (!checker.isNewerDatabaseKnown() && restaurants.ready())
@@ -194,8 +206,6 @@ int runUpdateNow(int discoverySeconds)
             follower.say(QStringLiteral("a newer catalogue is announced; fetching it"));
             downloader.startUpdate();
         }
-    } else if (running) {
-        follower.say(QStringLiteral("continuing the transfer of an earlier run"));
     }
     if (!follower.outcome)
         loop.exec();

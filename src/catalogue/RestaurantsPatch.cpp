@@ -172,13 +172,17 @@ bool Restaurants::applyPendingPatch(const QString &path, QDate date)
 
     if (m_env.documents.isEmpty())
         return failed(QStringLiteral("Couldn't find Documents to move new db into"), PatchFailedAction::doNothing);
+    // From here a failure leaves nothing worth keeping: the patch is gone, the copy goes too.
     const std::optional<QDate> version = versionDateOf(work);
-    if (!version)
+    if (!version) {
+        QFile::remove(work);
         return failed(QStringLiteral("Couldn't read version from new db"), PatchFailedAction::downloadFullDB);
+    }
     const QString finalPath = QDir(m_env.documents).filePath(CatalogueFiles::catalogueFileName(*version));
     QString error;
     if (!DurableFiles::moveFile(work, finalPath, false, &error)) {
         qCWarning(lcCatalogue).noquote() << error;
+        QFile::remove(work);
         return failed(QStringLiteral("Couldn't move new db to Documents"), PatchFailedAction::doNothing);
     }
     markExcludedFromBackup(finalPath);

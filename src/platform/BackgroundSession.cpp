@@ -19,7 +19,6 @@ struct BackgroundSession::Task {
     qint64 expected = -1; // the whole body's size, when the server said
     int status = 0;
     bool isHttp = false;
-    bool finished = false; // the body is complete; its delivery may still be owed
     int resumes = 0;       // lost connections resumed since bytes last arrived
     qint64 offset = 0;     // where the body of the reply under way starts in the file
 };
@@ -67,6 +66,8 @@ BackgroundSession::BackgroundSession(const QString &identifier, const QString &d
     , m_finishedPath(QDir(directory).filePath(identifier + QStringLiteral(".finished")))
     , m_manager(new QNetworkAccessManager(this))
 {
+    // A body whose handler was cut short by the end of the process is of no use to anyone.
+    QFile::remove(m_finishedPath);
     m_retry.setSingleShot(true);
     connect(&m_retry, &QTimer::timeout, this, &BackgroundSession::start);
 }
@@ -89,7 +90,6 @@ bool BackgroundSession::saveRecord() const
         {QStringLiteral("expected"), m_task->expected},
         {QStringLiteral("status"), m_task->status},
         {QStringLiteral("http"), m_task->isHttp},
-        {QStringLiteral("finished"), m_task->finished},
     };
     QString error;
     if (!DurableFiles::writeFile(m_recordPath, QJsonDocument(record).toJson(QJsonDocument::Compact), &error)) {
@@ -112,7 +112,6 @@ std::unique_ptr<BackgroundSession::Task> BackgroundSession::loadRecord() const
     task->expected = qint64(record.value(QStringLiteral("expected")).toDouble(-1));
     task->status = record.value(QStringLiteral("status")).toInt();
     task->isHttp = record.value(QStringLiteral("http")).toBool();
-    task->finished = record.value(QStringLiteral("finished")).toBool();
     return task->url.isValid() ? std::move(task) : nullptr;
 }
 
@@ -123,14 +122,6 @@ void BackgroundSession::resumePendingTask()
     m_task = loadRecord();
     if (!m_task) {
         QFile::remove(m_recordPath);
-        return;
-    }
-    if (m_task->finished) {
-        qCInfo(lcUpdate).noquote() << "Delivering the transfer of" << m_task->url.toString() << "finished by an earlier run";
-        if (QFileInfo::exists(m_bodyPath) || QFileInfo::exists(m_finishedPath))
-            deliverFinished(m_task->status, m_task->isHttp);
-        else
-            endTask();
         return;
     }
     qCInfo(lcUpdate).noquote() << "Resuming the transfer of" << m_task->url.toString() << "at" << QFileInfo(m_bodyPath).size() << "bytes";
@@ -149,7 +140,7 @@ void BackgroundSession::download(const QUrl &url)
     // A partial file of the same URL, from this run or an earlier one, is resumed; of another, it goes.
     if (!m_task)
         m_task = loadRecord();
-    if (!m_task || m_task->url != url || m_task->finished) {
+    if (!m_task || m_task->url != url) {
         QFile::remove(m_bodyPath);
         m_task = std::make_unique<Task>();
         m_task->url = url;
@@ -192,6 +183,25 @@ void BackgroundSession::headersArrived()
     qint64 expected = m_reply->header(QNetworkRequest::ContentLengthHeader).isValid()
                           ? m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong()
                           : -1;
+    if (m_task->status == 416 && m_task->offset > 0) {
+        // Nothing lies beyond what the file holds: it is whole if that is the size the server
+        // gave before, and otherwise starts again.
+        const bool whole = m_task->expected == m_task->offset;
+        m_reply->disconnect(this);
+        m_reply->abort();
+        m_reply->deleteLater();
+        m_reply = nullptr;
+        if (whole) {
+            m_task->isHttp = true;
+            deliverFinished(200, true);
+            return;
+        }
+        QFile::remove(m_bodyPath);
+        m_task->etag.clear();
+        m_task->lastModified.clear();
+        start();
+        return;
+    }
     if (m_task->status == 206) {
         const auto range = contentRange(m_reply->rawHeader("Content-Range"));
         // A part that doesn't start where the file ends can't be appended: start again.
@@ -278,20 +288,16 @@ void BackgroundSession::finished()
 
 void BackgroundSession::deliverFinished(int status, bool isHttp)
 {
-    // The body leaves the transfer's name before the handler runs, so that the handler may start
-    // the next task at once.
-    m_task->finished = true;
-    saveRecord();
+    // The task is over before its handler runs: the body leaves the transfer's name and the
+    // record goes, so that the handler may start the next task at once, and a process killed
+    // in the handler leaves no task behind (the update is simply asked for again).
     crashPoint("transfer-finished");
-    if (QFileInfo::exists(m_bodyPath)) {
-        QFile::remove(m_finishedPath);
-        QFile::rename(m_bodyPath, m_finishedPath);
-    }
+    QFile::remove(m_finishedPath);
+    QFile::rename(m_bodyPath, m_finishedPath);
+    QFile::remove(m_recordPath);
     m_task.reset();
     emit didFinishDownloading(m_finishedPath, status, isHttp);
     QFile::remove(m_finishedPath);
-    if (!m_task)
-        QFile::remove(m_recordPath);
     emit didComplete(0, QString());
 }
 

@@ -21,8 +21,9 @@ class QNetworkAccessManager;
 //
 // Events, all on the session's thread, in the order a task produces them:
 //   didWriteData       bytes arrived (so far, expected or -1), for an HTTP status 200..299 only
-//   didFinishDownloading  the whole body is in `location`, with the response's status; the file
-//                      is deleted when the handler returns, so it must move what it wants
+//   didFinishDownloading  the whole body is in `location`, with the response's status; the task
+//                      is over already (a new one may start), and the file is deleted when the
+//                      handler returns, so the handler moves what it wants to keep
 //   didComplete        the task is over: `errorCode` 0, or a URL error code and its message
 class BackgroundSession : public QObject
 {
@@ -44,8 +45,7 @@ public:
     BackgroundSession(const QString &identifier, const QString &directory, QObject *parent = nullptr);
     ~BackgroundSession() override;
 
-    // Continues what an earlier process left: a running task resumes, a finished one whose
-    // handler never returned is delivered again. Call once the handlers are connected.
+    // Continues the task an earlier process left running. Call once the handlers are connected.
     void resumePendingTask();
     // Starts a task for `url`, ending any other without an event.
     void download(const QUrl &url);

@@ -304,6 +304,8 @@ void Downloader::cancel()
     m_session->cancelAll();
 }
 
+bool Downloader::isBusy() const { return m_session->isRunning() || m_reloadQueue->operationCount() > 0; }
+
 void Downloader::isDownloading(std::function<void(bool)> completion) const
 {
     const bool running = m_session->isRunning();

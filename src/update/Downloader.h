@@ -66,6 +66,8 @@ public:
     // Whether a transfer is running, told on the main thread.
     void isDownloading(std::function<void(bool)> completion) const;
     void startFullDownload(const std::optional<QUrl> &url = std::nullopt);
+    // Whether a transfer runs or a patch is being applied, now (on the main thread).
+    bool isBusy() const;
 
     // PatchDelegate: called on the thread that applies the patch.
     void patchProgress(int done, int total) override;
