@@ -139,15 +139,15 @@ struct UpdateRig {
 
 // A server on 127.0.0.1 that answers every request with `answer` and notes its own name.
 struct NamedServer {
-    NamedServer(const QByteArray &name, const QByteArray &answer, QStringList &log)
+    NamedServer(const QByteArray &name, const QByteArray &answer, QStringList &log, const QByteArray &status = "200 OK")
     {
         EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
-        QObject::connect(&server, &QTcpServer::newConnection, &server, [this, name, answer, &log] {
+        QObject::connect(&server, &QTcpServer::newConnection, &server, [this, name, answer, status, &log] {
             while (QTcpSocket *socket = server.nextPendingConnection())
-                QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, name, answer, &log] {
+                QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, name, answer, status, &log] {
                     socket->readAll();
                     log.append(QString::fromLatin1(name));
-                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(answer.size()) + "\r\n\r\n" + answer);
+                    socket->write("HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(answer.size()) + "\r\n\r\n" + answer);
                     socket->disconnectFromHost();
                 });
         });
@@ -252,8 +252,12 @@ TEST(Downloader, WholeFilesThatAreNoGoodEndInTheirCodes)
         int code;
         QString message;
     };
+    QStringList asked;
+    NamedServer failing("500", "oops", asked, "500 Internal Server Error");
     const QList<Case> cases = {
         {rig.url(QStringLiteral("ios/absent.db")), 3, QStringLiteral("download finished with code 404")},
+        {QUrl(failing.url().toString().replace(QLatin1String("last.txt"), QLatin1String("velmora.db"))), 3,
+         QStringLiteral("download finished with code 500")},
         {serve(QStringLiteral("garbage.db"), [](const QString &path) { BrokenFiles::writeGarbage(path); }), 5,
          QStringLiteral("failed to decipher new DB")},
         {serve(QStringLiteral("older.db"), fixtureOf(QStringLiteral("20161201"))), 4, QStringLiteral("new DB is outdated (baffled!)")},
