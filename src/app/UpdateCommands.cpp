@@ -47,15 +47,31 @@ bool askAllSources(UpdateChecker &checker, int discoverySeconds)
 }
 
 QString isoDate(const std::optional<QDate> &date) { return date ? date->toString(Qt::ISODate) : QString(); }
+
+UserDefaults &registeredDefaults()
+{
+    UserDefaults &defaults = UserDefaults::standard();
+    defaults.registerDefaultsFromFile(QStringLiteral(":/Defaults.json"));
+    return defaults;
+}
+
+// What both commands need: the settings with their defaults, the catalogue (whose first load
+// applies a patch an earlier run left), the check and the local servers.
+struct HeadlessServices {
+    UserDefaults &defaults = registeredDefaults();
+    Restaurants &restaurants = Restaurants::shared();
+    UpdateChecker checker{defaults, restaurants};
+    ServiceCenter center{checker};
+};
 }
 
 int runUpdateCheck(int discoverySeconds)
 {
-    UserDefaults &defaults = UserDefaults::standard();
-    defaults.registerDefaultsFromFile(QStringLiteral(":/Defaults.json"));
-    Restaurants &restaurants = Restaurants::shared();
-    UpdateChecker checker(defaults, restaurants);
-    ServiceCenter center(checker);
+    HeadlessServices services;
+    UserDefaults &defaults = services.defaults;
+    Restaurants &restaurants = services.restaurants;
+    UpdateChecker &checker = services.checker;
+    ServiceCenter &center = services.center;
 
     const QJsonObject internet{{QStringLiteral("url"), checker.internetURL().toString()},
                                {QStringLiteral("answered"), askAllSources(checker, discoverySeconds)}};
@@ -166,13 +182,11 @@ private:
 
 int runUpdateNow(int discoverySeconds)
 {
-    UserDefaults &defaults = UserDefaults::standard();
-    defaults.registerDefaultsFromFile(QStringLiteral(":/Defaults.json"));
-    // A patch left by an earlier run is applied by this first load.
-    Restaurants &restaurants = Restaurants::shared();
-    UpdateChecker checker(defaults, restaurants);
-    ServiceCenter center(checker);
-    Downloader downloader(restaurants, defaults, checker, [&center] { return center.updateURLs(); },
+    HeadlessServices services;
+    Restaurants &restaurants = services.restaurants;
+    UpdateChecker &checker = services.checker;
+    ServiceCenter &center = services.center;
+    Downloader downloader(restaurants, services.defaults, checker, [&center] { return center.updateURLs(); },
                           {Paths::caches(), Paths::applicationSupport()});
     QEventLoop loop;
     UpdateNowFollower follower(restaurants, downloader, loop);

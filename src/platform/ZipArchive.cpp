@@ -26,7 +26,7 @@ QString openError(int code)
 }
 }
 
-bool ZipArchive::write(const QString &zipPath, const QList<Entry> &entries, const QString &password, Encryption encryption,
+bool ZipArchive::create(const QString &zipPath, const QList<Entry> &entries, const QString &password, Encryption encryption,
                        QString *error)
 {
     int code = 0;
@@ -70,7 +70,7 @@ bool ZipArchive::write(const QString &zipPath, const QList<Entry> &entries, cons
 bool ZipArchive::writeEncrypted(const QString &zipPath, const QString &entryName, const QString &sourceFile,
                                 const QString &password, QString *error)
 {
-    return write(zipPath, {Entry{entryName, {}, sourceFile}}, password, Encryption::Aes256, error);
+    return create(zipPath, {Entry{entryName, {}, sourceFile}}, password, Encryption::Aes256, error);
 }
 
 bool ZipArchive::extractSingle(const QString &zipPath, const QString &destination, const QString &password,

@@ -15,7 +15,7 @@ struct Entry {
 };
 // Writes `zipPath` holding `entries`, deflated, each encrypted with `password` as asked. The
 // toolkit writes AES-256; the older ZIP encryption exists for archives made elsewhere.
-bool write(const QString &zipPath, const QList<Entry> &entries, const QString &password, Encryption encryption,
+bool create(const QString &zipPath, const QList<Entry> &entries, const QString &password, Encryption encryption,
            QString *error);
 // The common case: one file, AES-256.
 bool writeEncrypted(const QString &zipPath, const QString &entryName, const QString &sourceFile, const QString &password,

@@ -52,8 +52,8 @@ Downloader::Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateC
     connect(m_session, &BackgroundSession::didWriteData, this, [this](qint64 written, qint64 expected) {
         toDelegate([=](DownloaderDelegate &d) { d.downloadProgress(written, expected); });
     });
-    connect(m_session, &BackgroundSession::didFinishDownloading, this, &Downloader::didFinishDownloading);
-    connect(m_session, &BackgroundSession::didComplete, this, &Downloader::didComplete);
+    connect(m_session, &BackgroundSession::didFinishDownloading, this, &Downloader::sessionDidFinishDownloading);
+    connect(m_session, &BackgroundSession::didComplete, this, &Downloader::sessionDidComplete);
     // A transfer of an earlier run continues once whoever made this has had the chance to listen.
     QTimer::singleShot(0, m_session, &BackgroundSession::resumePendingTask);
 }
@@ -157,7 +157,7 @@ void Downloader::failWith(int code, const QString &message)
         m_delegate->downloadDidFinishWithError(Error{errorDomain, code, message});
 }
 
-void Downloader::didFinishDownloading(const QString &location, int status, bool isHttp)
+void Downloader::sessionDidFinishDownloading(const QString &location, int status, bool isHttp)
 {
     const bool success = status == 200 || status == 206;
     switch (state()) {
@@ -186,7 +186,7 @@ void Downloader::didFinishDownloading(const QString &location, int status, bool 
     }
 }
 
-void Downloader::didComplete(int errorCode, const QString &message)
+void Downloader::sessionDidComplete(int errorCode, const QString &message)
 {
     if (errorCode == 0)
         return;

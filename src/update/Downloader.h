@@ -83,8 +83,8 @@ private:
     void tryNextSource(const QString &message);
     void startPatchDownload(const QDate &date, const QUrl &url);
     void failWith(int code, const QString &message);
-    void didFinishDownloading(const QString &location, int status, bool isHttp);
-    void didComplete(int errorCode, const QString &message);
+    void sessionDidFinishDownloading(const QString &location, int status, bool isHttp);
+    void sessionDidComplete(int errorCode, const QString &message);
     void installCatalogue(const QString &location);
     void installPatch(const QString &location);
     // Runs `call` on the delegate on the main thread, if there is one by then.

@@ -30,7 +30,7 @@ QString makeZip(const QTemporaryDir &dir, const QString &name, const QList<ZipAr
 {
     const QString path = dir.filePath(name);
     QString error;
-    EXPECT_TRUE(ZipArchive::write(path, entries, password, encryption, &error)) << error.toStdString();
+    EXPECT_TRUE(ZipArchive::create(path, entries, password, encryption, &error)) << error.toStdString();
     return path;
 }
 

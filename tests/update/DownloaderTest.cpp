@@ -216,7 +216,7 @@ TEST(Downloader, MissingOrRefusedPatchLeadsQuietlyToTheWholeFile)
         QFile::remove(archive);
         if (twoEntries) {
             QString error;
-            ASSERT_TRUE(ZipArchive::write(archive, {{QStringLiteral("a.db"), "a", {}}, {QStringLiteral("b.db"), "b", {}}},
+            ASSERT_TRUE(ZipArchive::create(archive, {{QStringLiteral("a.db"), "a", {}}, {QStringLiteral("b.db"), "b", {}}},
                                           QStringLiteral("Hw3TzqLm8XvRk2NbYc7PfJs9GdUe4AoQ"), ZipArchive::Encryption::Aes256, &error));
         }
         rig.downloader->startUpdate();
