@@ -401,32 +401,31 @@
     </message>
     <message id="wt_help_us_find_the_database">
         <source>wt_help_us_find_the_database</source>
-        <translation>To start, Velmora needs its restaurant catalogue. How would you like to get it?</translation>
+        <translation>Velmora works without a connection, from a catalogue of every restaurant kept on this device. Let's get it here.</translation>
     </message>
     <message id="wt_action_download">
         <source>wt_action_download</source>
-        <translation>Download it now</translation>
+        <translation>Download the catalogue</translation>
     </message>
     <message id="wt_action_copy_with_itunes">
         <source>wt_action_copy_with_itunes</source>
-        <translation>Copy it from a computer</translation>
+        <translation>I have a catalogue file</translation>
     </message>
     <message id="open_itunes_and_connect_your_DEVICE">
         <source>open_itunes_and_connect_your_DEVICE</source>
-        <translation>Connect your &lt;u&gt;{DEVICE}&lt;/u&gt; to the computer and open its file manager.</translation>
+        <translation>Find the catalogue file you were given: its name ends in &lt;u&gt;.vmr&lt;/u&gt;.</translation>
     </message>
     <message id="go_to_applications">
         <source>go_to_applications</source>
-        <translation>Go to the device's &lt;u&gt;apps&lt;/u&gt;.</translation>
+        <translation>Drop it onto this window, or choose it with &lt;u&gt;Open catalogue…&lt;/u&gt; below.</translation>
     </message>
     <message id="in_shared_files_click_the_app_velmora">
         <source>in_shared_files_click_the_app_velmora</source>
-        <translation>Under &lt;u&gt;file sharing&lt;/u&gt;, choose &lt;u&gt;Velmora&lt;/u&gt;.</translation>
+        <translation>Or copy it yourself into the folder &lt;c&gt;{DOCUMENTS}&lt;/c&gt;. On a phone, use the system's file sharing to put it in Velmora's Documents.</translation>
     </message>
     <message id="add_the_file_to_the_documents_panel">
         <source>add_the_file_to_the_documents_panel</source>
-        <translation>Add the catalogue's &lt;u&gt;.vmr&lt;/u&gt; file to its documents.
-&lt;c&gt;Velmora opens it as soon as it arrives.&lt;/c&gt;</translation>
+        <translation>Velmora notices the file within a second and checks it; then tap &lt;u&gt;Start&lt;/u&gt;.</translation>
     </message>
     <message id="itunes_cancel">
         <source>itunes_cancel</source>
@@ -438,7 +437,7 @@
     </message>
     <message id="downloading_database">
         <source>downloading_database</source>
-        <translation>Downloading the catalogue…</translation>
+        <translation>Downloading the catalogue</translation>
     </message>
     <message id="download_cancel">
         <source>download_cancel</source>
@@ -562,20 +561,6 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>root_subscribe_not_now</source>
         <translation>Not now</translation>
     </message>
-    <message id="root_welcome_heading">
-        <source>root_welcome_heading</source>
-        <translation>Welcome to Velmora</translation>
-    </message>
-    <message id="root_welcome_message">
-        <source>root_welcome_message</source>
-        <translation>Velmora needs its restaurant catalogue before you can browse.
-
-Copy a catalogue file (a .vmr file, or velmora-YYYYMMDD.db) into:
-
-%1
-
-It opens by itself as soon as it is there.</translation>
-    </message>
     <message id="a11y_delete">
         <source>a11y_delete</source>
         <translation>Delete</translation>
@@ -647,6 +632,58 @@ It opens by itself as soon as it is there.</translation>
     <message id="gallery_copied">
         <source>gallery_copied</source>
         <translation>Picture and caption copied, ready to paste</translation>
+    </message>
+    <message id="wt_checking_database">
+        <source>wt_checking_database</source>
+        <translation>Checking the catalogue…</translation>
+    </message>
+    <message id="wt_loading_failed">
+        <source>wt_loading_failed</source>
+        <translation>the catalogue could not be loaded</translation>
+    </message>
+    <message id="wt_error">
+        <source>wt_error</source>
+        <translation>Error: %1</translation>
+    </message>
+    <message id="wt_retry">
+        <source>wt_retry</source>
+        <translation>Try again</translation>
+    </message>
+    <message id="wt_open_catalogue">
+        <source>wt_open_catalogue</source>
+        <translation>Open catalogue…</translation>
+    </message>
+    <message id="wt_catalogue_files">
+        <source>wt_catalogue_files</source>
+        <translation>Velmora catalogues</translation>
+    </message>
+    <message id="wt_catalogue_found">
+        <source>wt_catalogue_found</source>
+        <translation>Catalogue found</translation>
+    </message>
+    <message id="wt_import_not_a_catalogue">
+        <source>wt_import_not_a_catalogue</source>
+        <translation>That file is not a Velmora catalogue.</translation>
+    </message>
+    <message id="wt_import_other_key">
+        <source>wt_import_other_key</source>
+        <translation>That catalogue can't be read: it was made for another app, or it is damaged.</translation>
+    </message>
+    <message id="wt_import_damaged">
+        <source>wt_import_damaged</source>
+        <translation>That catalogue is damaged. Ask for a new copy.</translation>
+    </message>
+    <message id="wt_import_no_date">
+        <source>wt_import_no_date</source>
+        <translation>That catalogue has no date, so Velmora can't use it.</translation>
+    </message>
+    <message id="wt_import_not_newer">
+        <source>wt_import_not_newer</source>
+        <translation>Velmora already has this catalogue or a newer one.</translation>
+    </message>
+    <message id="wt_import_copy_failed">
+        <source>wt_import_copy_failed</source>
+        <translation>The catalogue could not be copied. Is the disk full?</translation>
     </message>
 </context>
 </TS>

@@ -401,32 +401,31 @@
     </message>
     <message id="wt_help_us_find_the_database">
         <source>wt_help_us_find_the_database</source>
-        <translation>Para empezar, Velmora necesita su catálogo de restaurantes. ¿Cómo quieres conseguirlo?</translation>
+        <translation>Velmora funciona sin conexión, con un catálogo de todos los restaurantes guardado en este equipo. Vamos a traerlo.</translation>
     </message>
     <message id="wt_action_download">
         <source>wt_action_download</source>
-        <translation>Descargarlo ahora</translation>
+        <translation>Descargar el catálogo</translation>
     </message>
     <message id="wt_action_copy_with_itunes">
         <source>wt_action_copy_with_itunes</source>
-        <translation>Copiarlo desde un ordenador</translation>
+        <translation>Tengo un archivo de catálogo</translation>
     </message>
     <message id="open_itunes_and_connect_your_DEVICE">
         <source>open_itunes_and_connect_your_DEVICE</source>
-        <translation>Conecta tu &lt;u&gt;{DEVICE}&lt;/u&gt; al ordenador y abre su gestor de archivos.</translation>
+        <translation>Busca el archivo de catálogo que te dieron: su nombre termina en &lt;u&gt;.vmr&lt;/u&gt;.</translation>
     </message>
     <message id="go_to_applications">
         <source>go_to_applications</source>
-        <translation>Entra en las &lt;u&gt;aplicaciones&lt;/u&gt; del dispositivo.</translation>
+        <translation>Suéltalo sobre esta ventana, o elígelo con &lt;u&gt;Abrir catálogo…&lt;/u&gt; aquí abajo.</translation>
     </message>
     <message id="in_shared_files_click_the_app_velmora">
         <source>in_shared_files_click_the_app_velmora</source>
-        <translation>En &lt;u&gt;archivos compartidos&lt;/u&gt;, elige &lt;u&gt;Velmora&lt;/u&gt;.</translation>
+        <translation>O cópialo tú en la carpeta &lt;c&gt;{DOCUMENTS}&lt;/c&gt;. En un teléfono, usa la función de compartir archivos del sistema para dejarlo en los Documentos de Velmora.</translation>
     </message>
     <message id="add_the_file_to_the_documents_panel">
         <source>add_the_file_to_the_documents_panel</source>
-        <translation>Añade el archivo &lt;u&gt;.vmr&lt;/u&gt; del catálogo a sus documentos.
-&lt;c&gt;Velmora lo abrirá en cuanto llegue.&lt;/c&gt;</translation>
+        <translation>Velmora ve el archivo en un segundo y lo comprueba; después toca &lt;u&gt;Empezar&lt;/u&gt;.</translation>
     </message>
     <message id="itunes_cancel">
         <source>itunes_cancel</source>
@@ -438,7 +437,7 @@
     </message>
     <message id="downloading_database">
         <source>downloading_database</source>
-        <translation>Descargando el catálogo…</translation>
+        <translation>Descargando el catálogo</translation>
     </message>
     <message id="download_cancel">
         <source>download_cancel</source>
@@ -563,20 +562,6 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>root_subscribe_not_now</source>
         <translation>Ahora no</translation>
     </message>
-    <message id="root_welcome_heading">
-        <source>root_welcome_heading</source>
-        <translation>Bienvenido a Velmora</translation>
-    </message>
-    <message id="root_welcome_message">
-        <source>root_welcome_message</source>
-        <translation>Velmora necesita su catálogo de restaurantes antes de que puedas explorar.
-
-Copia un archivo de catálogo (un archivo .vmr, o velmora-AAAAMMDD.db) en:
-
-%1
-
-Se abrirá solo en cuanto esté allí.</translation>
-    </message>
     <message id="a11y_delete">
         <source>a11y_delete</source>
         <translation>Eliminar</translation>
@@ -648,6 +633,58 @@ Se abrirá solo en cuanto esté allí.</translation>
     <message id="gallery_copied">
         <source>gallery_copied</source>
         <translation>Foto y pie copiados, listos para pegar</translation>
+    </message>
+    <message id="wt_checking_database">
+        <source>wt_checking_database</source>
+        <translation>Comprobando el catálogo…</translation>
+    </message>
+    <message id="wt_loading_failed">
+        <source>wt_loading_failed</source>
+        <translation>no se pudo cargar el catálogo</translation>
+    </message>
+    <message id="wt_error">
+        <source>wt_error</source>
+        <translation>Error: %1</translation>
+    </message>
+    <message id="wt_retry">
+        <source>wt_retry</source>
+        <translation>Reintentar</translation>
+    </message>
+    <message id="wt_open_catalogue">
+        <source>wt_open_catalogue</source>
+        <translation>Abrir catálogo…</translation>
+    </message>
+    <message id="wt_catalogue_files">
+        <source>wt_catalogue_files</source>
+        <translation>Catálogos de Velmora</translation>
+    </message>
+    <message id="wt_catalogue_found">
+        <source>wt_catalogue_found</source>
+        <translation>Catálogo encontrado</translation>
+    </message>
+    <message id="wt_import_not_a_catalogue">
+        <source>wt_import_not_a_catalogue</source>
+        <translation>Ese archivo no es un catálogo de Velmora.</translation>
+    </message>
+    <message id="wt_import_other_key">
+        <source>wt_import_other_key</source>
+        <translation>Ese catálogo no se puede leer: es de otra aplicación o está dañado.</translation>
+    </message>
+    <message id="wt_import_damaged">
+        <source>wt_import_damaged</source>
+        <translation>Ese catálogo está dañado. Pide una copia nueva.</translation>
+    </message>
+    <message id="wt_import_no_date">
+        <source>wt_import_no_date</source>
+        <translation>Ese catálogo no tiene fecha, así que Velmora no puede usarlo.</translation>
+    </message>
+    <message id="wt_import_not_newer">
+        <source>wt_import_not_newer</source>
+        <translation>Velmora ya tiene este catálogo o uno más nuevo.</translation>
+    </message>
+    <message id="wt_import_copy_failed">
+        <source>wt_import_copy_failed</source>
+        <translation>No se pudo copiar el catálogo. ¿Está lleno el disco?</translation>
     </message>
 </context>
 </TS>

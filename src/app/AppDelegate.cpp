@@ -41,8 +41,6 @@ AppDelegate::~AppDelegate()
 {
     if (SideMenuPresenter::shared() == this)
         SideMenuPresenter::setShared(nullptr);
-    if (m_fileSharingQueue)
-        m_fileSharingQueue->cancelAllOperations();
 }
 
 AppDelegate *AppDelegate::global() { return globalDelegate.data(); }
@@ -91,24 +89,11 @@ QString AppDelegate::catalogueVersion() const { return m_restaurants.databaseVer
 
 void AppDelegate::showDatabaseUI()
 {
+    if (!m_walkthrough) {
+        m_walkthrough = new WTPage1ViewController(m_restaurants, m_downloader, this, Paths::documents(), this);
+        m_walkthrough->viewDidLoad();
+    }
     setRoot(QString::fromLatin1(walkthroughRoot));
-    startWaitingForCatalogue();
-}
-
-void AppDelegate::startWaitingForCatalogue()
-{
-    if (m_fileSharingQueue)
-        return;
-    // A file the user copies into Documents is picked up without a restart.
-    m_fileSharingQueue = std::make_unique<OperationQueue>(1);
-    NotificationCenter::defaultCenter().addObserver(this, Notifications::RestaurantsLoaded, [this](const QVariant &) {
-        QPointer<AppDelegate> self(this);
-        dispatchMain([self] {
-            if (self && self->m_root == QLatin1String(walkthroughRoot))
-                self->databaseReady();
-        });
-    });
-    m_fileSharingQueue->addOperation(std::make_shared<LoadRestaurantsOperation>(m_restaurants));
 }
 
 bool AppDelegate::subscribingPossible() const
@@ -140,8 +125,6 @@ void AppDelegate::provinceSelectionDidFinish(const QList<int> &provinces)
 
 void AppDelegate::loadMainUI()
 {
-    if (m_fileSharingQueue)
-        m_fileSharingQueue->cancelAllOperations();
     if (!m_drawer) {
         registerApplicationScenes();
         m_sideMenu = new SideMenuViewController(this);

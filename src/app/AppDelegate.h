@@ -8,6 +8,8 @@
 
 #include "app/SideDrawer.h"
 #include "presentation/SideMenuPresenter.h"
+#include "walkthrough/WTPage1ViewController.h"
+#include "walkthrough/WalkthroughDelegate.h"
 
 class OperationQueue;
 class Restaurants;
@@ -20,7 +22,7 @@ class ServiceCenter;
 class Downloader;
 class UpdateChecker;
 
-class AppDelegate : public QObject, public SideMenuPresenter
+class AppDelegate : public QObject, public SideMenuPresenter, public DatabaseReadyDelegate
 {
     Q_OBJECT
     QML_ELEMENT
@@ -29,6 +31,7 @@ class AppDelegate : public QObject, public SideMenuPresenter
     Q_PROPERTY(QString documentsPath READ documentsPath CONSTANT)
     Q_PROPERTY(QString catalogueVersion READ catalogueVersion NOTIFY rootChanged)
     Q_PROPERTY(SideDrawer *drawer READ drawer NOTIFY rootChanged)
+    Q_PROPERTY(WTPage1ViewController *walkthrough READ walkthrough NOTIFY rootChanged)
 
 public:
     // The roots the window can show.
@@ -55,7 +58,7 @@ public:
 
     Q_INVOKABLE void showDatabaseUI();
     Q_INVOKABLE void showSubscriptionUI();
-    Q_INVOKABLE void databaseReady();
+    Q_INVOKABLE void databaseReady() override;
     Q_INVOKABLE void provinceSelectionDidCancel();
     Q_INVOKABLE void provinceSelectionDidFinish(const QList<int> &provinces);
     Q_INVOKABLE void loadMainUI();
@@ -70,6 +73,8 @@ public:
 
     // The main interface, absent until loadMainUI(): the drawer, its menu and its content.
     SideDrawer *drawer() const { return m_drawer; }
+    // The first run's screen, while the walkthrough is the root.
+    WTPage1ViewController *walkthrough() const { return m_walkthrough; }
     SideMenuViewController *sideMenu() const { return m_sideMenu; }
     NavigationController *mainNavigation() const { return m_mainNavigation; }
     // Follows a velmora:// link on the main interface, now or once it is loaded. A link that
@@ -85,13 +90,12 @@ signals:
 
 private:
     void setRoot(const QString &root);
-    void startWaitingForCatalogue();
     void followPendingLink();
 
     Restaurants &m_restaurants;
     QString m_root;
     bool m_allowRotation = false;
-    std::unique_ptr<OperationQueue> m_fileSharingQueue;
+    WTPage1ViewController *m_walkthrough = nullptr;
     NavigationController *m_mainNavigation = nullptr;
     SideMenuViewController *m_sideMenu = nullptr;
     SideDrawer *m_drawer = nullptr;

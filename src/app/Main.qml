@@ -17,7 +17,12 @@ ApplicationWindow {
 
     Loader {
         anchors.fill: parent
-        sourceComponent: window.app.root === "main" ? mainRoot : placeholderRoot
+        sourceComponent: window.app.root === "main" ? mainRoot : window.app.root === "walkthrough" ? walkthroughRoot : placeholderRoot
+    }
+
+    Component {
+        id: walkthroughRoot
+        WalkthroughView { controller: window.app.walkthrough }
     }
 
     Component {
@@ -28,10 +33,9 @@ ApplicationWindow {
     Component {
         id: placeholderRoot
         PlaceholderScreen {
-            heading: window.app.root === "subscribe-intro" ? qsTrId("root_subscribe_heading") : qsTrId("root_welcome_heading")
-            message: window.app.root === "subscribe-intro" ? qsTrId("root_subscribe_message")
-                                                           : qsTrId("root_welcome_message").arg(window.app.documentsPath)
-            actionText: window.app.root === "subscribe-intro" ? qsTrId("root_subscribe_not_now") : ""
+            heading: qsTrId("root_subscribe_heading")
+            message: qsTrId("root_subscribe_message")
+            actionText: qsTrId("root_subscribe_not_now")
             onActionTriggered: window.app.provinceSelectionDidCancel()
         }
     }
