@@ -146,7 +146,8 @@ TEST(DeepLink, EveryLinkOpensItsScreenAndEveryControlIsNamed)
     // With no catalogue yet, the first-run screen.
     TestHome empty;
     const QJsonArray welcome = dumpOf(empty, QStringLiteral("velmora://info"));
-    EXPECT_TRUE(namesIn(welcome).contains(QStringLiteral("Welcome to Velmora")));
+    EXPECT_TRUE(namesIn(welcome).contains(QStringLiteral("Download the catalogue")));
+    EXPECT_TRUE(namesIn(welcome).contains(QStringLiteral("I have a catalogue file")));
     for (const QJsonValue &node : welcome)
         EXPECT_FALSE(node.toObject().value(QStringLiteral("name")).toString().isEmpty());
 

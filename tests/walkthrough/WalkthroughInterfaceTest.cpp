@@ -1,0 +1,137 @@
+#include "fixtures/DemoWindow.h"
+#include "platform/Paths.h"
+#include "toolkit/Publisher.h"
+#include "toolkit/UpdateServer.h"
+#include "update/FaultProxy.h"
+#include "update/UpdateChecker.h"
+
+#include <QDir>
+#include <QDropEvent>
+#include <QHostAddress>
+#include <QJsonObject>
+#include <QMimeData>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+// A first run in the real window, with the demo guide's file written aside.
+struct FirstRunWindow : DemoWindow {
+    FirstRunWindow() : DemoWindow({}, Start::FirstRun) {}
+
+    QQuickItem *visible(const char *name) const
+    {
+        return itemWhere([&](QQuickItem *item) { return item->objectName() == QLatin1String(name) && item->isVisible(); });
+    }
+    // Taps the visible item of that name; false if there is none.
+    bool tapOn(const char *name)
+    {
+        QQuickItem *target = visible(name);
+        if (!target)
+            return false;
+        tap(window->window(), target);
+        return true;
+    }
+    // What the desktop does when a file is dropped on the window at `at`.
+    void dropFile(const QString &path, QPoint at)
+    {
+        QMimeData mime;
+        mime.setUrls({QUrl::fromLocalFile(path)});
+        QQuickWindow *quick = window->window();
+        QDragEnterEvent enter(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(quick, &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(quick, &move);
+        QDropEvent drop(QPointF(at), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(quick, &drop);
+    }
+    // The splash rises and the steps fade in (2.3 s, as the design times it).
+    bool waitForOpening()
+    {
+        return QTest::qWaitFor([&] { return item("walkthroughContainer")->opacity() == 1.0; }, 4000);
+    }
+};
+
+// The demo guide published on the toolkit's server (behind a proxy that can slow it down).
+struct DemoShelf {
+    explicit DemoShelf(const QString &catalogue)
+    {
+        QString error;
+        const quint16 port = server.listen(QHostAddress::LocalHost, 0, &error);
+        proxy = std::make_unique<FaultProxy>(port);
+        const QString named = work.filePath(QStringLiteral("velmora-20261101.db"));
+        QFile::copy(catalogue, named);
+        QJsonObject report;
+        EXPECT_TRUE(publish(named, {}, shelf.path(), QStringLiteral("http://127.0.0.1:%1").arg(proxy->port()), report, &error))
+            << error.toStdString();
+        UpdateChecker::setInternetURLOverride(QUrl(QStringLiteral("http://127.0.0.1:%1/ios/last.txt").arg(proxy->port())));
+    }
+    ~DemoShelf() { UpdateChecker::setInternetURLOverride(QUrl()); }
+
+    QTemporaryDir shelf, work;
+    UpdateServer server{shelf.path()};
+    std::unique_ptr<FaultProxy> proxy;
+};
+}
+
+// Catches: buttons of the first run that only work when their controller is called, a dropped
+// file that the window ignores, and a start that doesn't lead into the guide.
+TEST(WalkthroughInterface, CopyStepTakesADroppedFileAndStartLeadsIn)
+{
+    FirstRunWindow app;
+    ASSERT_TRUE(app.visible("walkthrough"));
+    ASSERT_TRUE(app.waitForOpening());
+    EXPECT_TRUE(app.visible("downloadButton"));
+    app.save("walkthrough-select");
+
+    ASSERT_TRUE(app.tapOn("itunesButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("step4") != nullptr; }, 2000));
+    EXPECT_TRUE(app.visible("activityIndicator"));
+    EXPECT_TRUE(app.visible("openCatalogueButton"));
+    app.save("walkthrough-copy");
+
+    // A file that isn't a catalogue is refused in words, and stays where it was.
+    const QString note = app.home.root() + QStringLiteral("/note.vmr");
+    BrokenFiles::writeGarbage(note);
+    app.dropFile(note, QPoint(195, 420));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("importMessage") != nullptr; }, 3000));
+    EXPECT_EQ(app.visible("importMessage")->property("text").toString(), qtTrId("wt_import_not_a_catalogue"));
+    EXPECT_TRUE(QFile::exists(note));
+
+    app.dropFile(app.demoFile, QPoint(195, 420));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("checkmark") != nullptr; }, 5000));
+    EXPECT_TRUE(QFile::exists(app.demoFile));
+    EXPECT_TRUE(QFile::exists(app.home.documents() + QStringLiteral("/velmora-20261101.db")));
+    app.save("walkthrough-copy-ready");
+    ASSERT_TRUE(app.tapOn("startButton"));
+    EXPECT_EQ(app.delegate.root(), QLatin1String(AppDelegate::mainRoot));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return app.item("sideDrawer") != nullptr; }, 3000));
+}
+
+// Catches: a download step whose bar never moves, a cancel that leaves the transfer (or its
+// file) behind, and a finished download that doesn't lead into the guide.
+TEST(WalkthroughInterface, DownloadShowsProgressCancelsAndLeadsIn)
+{
+    FirstRunWindow app;
+    DemoShelf shelf(app.demoFile);
+    ASSERT_TRUE(app.waitForOpening());
+
+    shelf.proxy->trickle(64 * 1024);
+    ASSERT_TRUE(app.tapOn("downloadButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        QQuickItem *bar = app.visible("progressView");
+        return bar && bar->property("progress").toDouble() > 0.05;
+    }, 10000));
+    EXPECT_TRUE(app.visible("downloadLabel")->property("text").toString().contains(QLatin1String(" MB")));
+    app.save("walkthrough-download");
+    ASSERT_TRUE(app.tapOn("cancelButton"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return app.visible("downloadButton") != nullptr; }, 2000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QDir(Paths::caches()).entryList({QStringLiteral("*.download")}).isEmpty(); }, 2000));
+
+    shelf.proxy->trickle(0);
+    ASSERT_TRUE(app.tapOn("downloadButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("startButton") != nullptr; }, 15000));
+    EXPECT_TRUE(app.visible("checkmark"));
+    ASSERT_TRUE(app.tapOn("startButton"));
+    EXPECT_EQ(app.delegate.root(), QLatin1String(AppDelegate::mainRoot));
+}
