@@ -309,15 +309,15 @@
     </message>
     <message id="info_header_version">
         <source>info_header_version</source>
-        <translation>CATALOGUE</translation>
+        <translation>VERSION</translation>
     </message>
     <message id="info_version">
         <source>info_version</source>
-        <translation>Version</translation>
+        <translation>Catalogue</translation>
     </message>
     <message id="info_db_outdated">
         <source>info_db_outdated</source>
-        <translation>a newer one is available</translation>
+        <translation>an update is available</translation>
     </message>
     <message id="info_db_up_to_date">
         <source>info_db_up_to_date</source>
@@ -329,7 +329,7 @@
     </message>
     <message id="info_updating">
         <source>info_updating</source>
-        <translation>Updating the catalogue…</translation>
+        <translation>Updating the catalogue</translation>
     </message>
     <message id="info_cancel_update">
         <source>info_cancel_update</source>
@@ -337,7 +337,7 @@
     </message>
     <message id="info_applying_patches">
         <source>info_applying_patches</source>
-        <translation>Applying the changes…</translation>
+        <translation>Applying the update</translation>
     </message>
     <message id="info_header_contact">
         <source>info_header_contact</source>
@@ -345,15 +345,15 @@
     </message>
     <message id="info_subheader_website">
         <source>info_subheader_website</source>
-        <translation>Website</translation>
+        <translation>Our website</translation>
     </message>
     <message id="info_subheader_email">
         <source>info_subheader_email</source>
-        <translation>Email</translation>
+        <translation>Write to us</translation>
     </message>
     <message id="info_subheader_social_networks">
         <source>info_subheader_social_networks</source>
-        <translation>Social networks</translation>
+        <translation>Follow us</translation>
     </message>
     <message id="info_rate_app">
         <source>info_rate_app</source>
@@ -361,7 +361,7 @@
     </message>
     <message id="info_shake_app_to_get_fortunes">
         <source>info_shake_app_to_get_fortunes</source>
-        <translation>Shake your phone for a surprise</translation>
+        <translation>Shake your device for a fortune: a little wisdom for the table.</translation>
     </message>
     <message id="careful_with_the_shaking">
         <source>careful_with_the_shaking</source>
@@ -641,10 +641,6 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>wt_loading_failed</source>
         <translation>the catalogue could not be loaded</translation>
     </message>
-    <message id="wt_error">
-        <source>wt_error</source>
-        <translation>Error: %1</translation>
-    </message>
     <message id="wt_retry">
         <source>wt_retry</source>
         <translation>Try again</translation>
@@ -684,6 +680,22 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
     <message id="wt_import_copy_failed">
         <source>wt_import_copy_failed</source>
         <translation>The catalogue could not be copied. Is the disk full?</translation>
+    </message>
+    <message id="update_error">
+        <source>update_error</source>
+        <translation>Error: %1</translation>
+    </message>
+    <message id="info_social_facebook">
+        <source>info_social_facebook</source>
+        <translation>Facebook</translation>
+    </message>
+    <message id="info_social_twitter">
+        <source>info_social_twitter</source>
+        <translation>Twitter</translation>
+    </message>
+    <message id="info_social_googleplus">
+        <source>info_social_googleplus</source>
+        <translation>Google+</translation>
     </message>
 </context>
 </TS>

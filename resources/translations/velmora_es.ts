@@ -309,15 +309,15 @@
     </message>
     <message id="info_header_version">
         <source>info_header_version</source>
-        <translation>CATÁLOGO</translation>
+        <translation>VERSIÓN</translation>
     </message>
     <message id="info_version">
         <source>info_version</source>
-        <translation>Versión</translation>
+        <translation>Catálogo</translation>
     </message>
     <message id="info_db_outdated">
         <source>info_db_outdated</source>
-        <translation>hay una versión más nueva</translation>
+        <translation>hay una actualización</translation>
     </message>
     <message id="info_db_up_to_date">
         <source>info_db_up_to_date</source>
@@ -329,7 +329,7 @@
     </message>
     <message id="info_updating">
         <source>info_updating</source>
-        <translation>Actualizando el catálogo…</translation>
+        <translation>Actualizando el catálogo</translation>
     </message>
     <message id="info_cancel_update">
         <source>info_cancel_update</source>
@@ -337,7 +337,7 @@
     </message>
     <message id="info_applying_patches">
         <source>info_applying_patches</source>
-        <translation>Aplicando los cambios…</translation>
+        <translation>Aplicando la actualización</translation>
     </message>
     <message id="info_header_contact">
         <source>info_header_contact</source>
@@ -345,15 +345,15 @@
     </message>
     <message id="info_subheader_website">
         <source>info_subheader_website</source>
-        <translation>Sitio web</translation>
+        <translation>Nuestra web</translation>
     </message>
     <message id="info_subheader_email">
         <source>info_subheader_email</source>
-        <translation>Correo</translation>
+        <translation>Escríbenos</translation>
     </message>
     <message id="info_subheader_social_networks">
         <source>info_subheader_social_networks</source>
-        <translation>Redes sociales</translation>
+        <translation>Síguenos</translation>
     </message>
     <message id="info_rate_app">
         <source>info_rate_app</source>
@@ -361,7 +361,7 @@
     </message>
     <message id="info_shake_app_to_get_fortunes">
         <source>info_shake_app_to_get_fortunes</source>
-        <translation>Agita el teléfono y llévate una sorpresa</translation>
+        <translation>Agita el dispositivo y recibirás una fortuna: un poco de sabiduría para la mesa.</translation>
     </message>
     <message id="careful_with_the_shaking">
         <source>careful_with_the_shaking</source>
@@ -642,10 +642,6 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>wt_loading_failed</source>
         <translation>no se pudo cargar el catálogo</translation>
     </message>
-    <message id="wt_error">
-        <source>wt_error</source>
-        <translation>Error: %1</translation>
-    </message>
     <message id="wt_retry">
         <source>wt_retry</source>
         <translation>Reintentar</translation>
@@ -685,6 +681,22 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
     <message id="wt_import_copy_failed">
         <source>wt_import_copy_failed</source>
         <translation>No se pudo copiar el catálogo. ¿Está lleno el disco?</translation>
+    </message>
+    <message id="update_error">
+        <source>update_error</source>
+        <translation>Error: %1</translation>
+    </message>
+    <message id="info_social_facebook">
+        <source>info_social_facebook</source>
+        <translation>Facebook</translation>
+    </message>
+    <message id="info_social_twitter">
+        <source>info_social_twitter</source>
+        <translation>Twitter</translation>
+    </message>
+    <message id="info_social_googleplus">
+        <source>info_social_googleplus</source>
+        <translation>Google+</translation>
     </message>
 </context>
 </TS>

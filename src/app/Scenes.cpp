@@ -4,7 +4,10 @@
 #include "browse/FiltersViewController.h"
 #include "browse/OfertasTableViewController.h"
 #include "browse/ProvincesTableViewController.h"
+#include "app/AppDelegate.h"
 #include "catalogue/Restaurants.h"
+#include "info/InfoTableViewController.h"
+#include "update/Downloader.h"
 #include "personal/MyPlacesViewController.h"
 #include "placecard/GalleryViewController.h"
 #include "placecard/LugarTableViewController.h"
@@ -67,10 +70,15 @@ void registerApplicationScenes()
         return new MyPlacesViewController(Restaurants::shared(), UserDefaults::standard(), parent);
     });
 
+    Storyboard::registerScene(QStringLiteral("Info_Settings"), QStringLiteral("info-view-controller"), [](QObject *parent) -> ViewController * {
+        AppDelegate *app = AppDelegate::global();
+        return new InfoTableViewController(Restaurants::shared(), UserDefaults::standard(), app ? app->updateChecker() : nullptr,
+                                           Downloader::shared(), parent);
+    });
+
     using Place = PlaceholderViewController::Place;
     placeholder("Lugar", "lugar-map-view-controller", "map_title", Place::Pushed);
     placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);
-    placeholder("Info_Settings", "info-view-controller", "sidemenu_info", Place::TopLevel);
     placeholder("Info_Settings", "settings-view-controller", "settings_title", Place::TopLevel);
     placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", Place::Presented);
 }

@@ -1,17 +1,13 @@
 #include "walkthrough/WTDownloadViewController.h"
 
 #include "catalogue/Restaurants.h"
+#include "presentation/TransferFigures.h"
 #include "update/Downloader.h"
 #include "walkthrough/WalkthroughDelegate.h"
 
 namespace {
 // Progress crosses from the transfer at every packet; the bar needs far fewer.
 constexpr qint64 progressIntervalMs = 50;
-
-QString megabytes(qint64 done, qint64 total)
-{
-    return QStringLiteral("%1 / %2 MB").arg(double(done) / 1e6, 0, 'f', 1).arg(double(total) / 1e6, 0, 'f', 1);
-}
 }
 
 WTDownloadViewController::WTDownloadViewController(Restaurants &restaurants, Downloader *downloader, QObject *parent)
@@ -46,7 +42,7 @@ void WTDownloadViewController::downloadProgress(qint64 written, qint64 total)
         return;
     m_sinceProgress.start();
     m_progress = total > 0 ? double(float(written) / float(total)) : -1;
-    m_downloadLabel = total > 0 ? megabytes(written, total) : QString();
+    m_downloadLabel = total > 0 ? transferFigures(written, total) : QString();
     emit stateChanged();
 }
 
@@ -73,7 +69,7 @@ void WTDownloadViewController::showError(const QString &message)
 {
     m_failed = true;
     m_progress = 0;
-    m_downloadLabel = qtTrId("wt_error").arg(message);
+    m_downloadLabel = qtTrId("update_error").arg(message);
     emit stateChanged();
 }
 

@@ -78,7 +78,7 @@ private:
             else if (!link->pace.isActive())
                 link->pace.start(20);
         });
-        QObject::connect(&link->pace, &QTimer::timeout, client, [this, link] { forward(link, m_trickle); });
+        QObject::connect(&link->pace, &QTimer::timeout, client, [this, link] { forward(link, m_trickle ? m_trickle : link->pending.size()); });
         QObject::connect(&link->upstream, &QTcpSocket::disconnected, client, [link] {
             if (link->pending.isEmpty() && link->client)
                 link->client->disconnectFromHost();

@@ -146,7 +146,7 @@ TEST(Walkthrough, DownloadStepThrottlesProgressAndShowsFailures)
 
     download->downloadDidFinishWithError(Error{QStringLiteral("Velmora"), 3, QStringLiteral("download finished with code 500")});
     EXPECT_TRUE(download->failed());
-    EXPECT_EQ(download->downloadLabel(), qtTrId("wt_error").arg(QStringLiteral("download finished with code 500")));
+    EXPECT_EQ(download->downloadLabel(), qtTrId("update_error").arg(QStringLiteral("download finished with code 500")));
     EXPECT_TRUE(download->downloadLabel().contains(QLatin1String("code 500")));
     download->startButtonTouched();
     EXPECT_EQ(run.app.calls, 0);

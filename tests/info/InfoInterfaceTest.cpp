@@ -1,0 +1,71 @@
+#include "fixtures/DemoWindow.h"
+#include "info/InfoTableViewController.h"
+#include "toolkit/CatalogueWriter.h"
+#include "toolkit/DemoGenerator.h"
+#include "toolkit/Publisher.h"
+#include "toolkit/UpdateServer.h"
+#include "update/FaultProxy.h"
+#include "update/UpdateChecker.h"
+
+#include <QHostAddress>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+// The next month's demo guide and its patch from the one in use, on the toolkit's server.
+struct NextMonthShelf {
+    explicit NextMonthShelf(const QString &current)
+    {
+        QString error;
+        proxy = std::make_unique<FaultProxy>(server.listen(QHostAddress::LocalHost, 0, &error));
+        DemoOptions options;
+        options.places = 400;
+        options.date = QDate(2026, 12, 1);
+        const QString next = work.filePath(QStringLiteral("velmora-20261201.db"));
+        EXPECT_TRUE(writeCatalogue(makeDemo(options), next, &error)) << error.toStdString();
+        QJsonObject report;
+        EXPECT_TRUE(publish(next, {current}, shelf.path(), QStringLiteral("http://127.0.0.1:%1").arg(proxy->port()), report, &error))
+            << error.toStdString();
+        UpdateChecker::setInternetURLOverride(QUrl(QStringLiteral("http://127.0.0.1:%1/ios/last.txt").arg(proxy->port())));
+    }
+    ~NextMonthShelf() { UpdateChecker::setInternetURLOverride(QUrl()); }
+
+    QTemporaryDir shelf, work;
+    UpdateServer server{shelf.path()};
+    std::unique_ptr<FaultProxy> proxy;
+};
+}
+
+// Catches: an update button that a tap doesn't reach, a progress row that never shows or never
+// leaves, and a patched catalogue that the screen doesn't show once the update is over.
+TEST(InfoInterface, TheUpdateButtonPatchesTheCatalogueInPlace)
+{
+    DemoWindow ui;
+    NextMonthShelf shelf(ui.demoFile);
+    ui.delegate.openLink(QStringLiteral("velmora://info"), false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("infoView") != nullptr; }, 3000));
+    ASSERT_TRUE(ui.item("upToDateMark") && ui.item("upToDateMark")->isVisible());
+    ui.save("info");
+
+    ui.delegate.updateChecker()->noteAnnouncedDate(QDate(2026, 12, 1));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("updateButton") && ui.item("updateButton")->isVisible(); }, 2000));
+    shelf.proxy->trickle(128);
+    tap(ui.window->window(), ui.item("updateButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("infoProgressRow") != nullptr; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("progressView")->property("progress").toDouble() > 0.02; }, 15000));
+    EXPECT_TRUE(ui.item("progressStatus")->property("text").isValid());
+    shelf.proxy->trickle(1); // held still for the picture
+    ui.save("info-updating");
+    EXPECT_TRUE(ui.item("infoProgressRow"));
+
+    shelf.proxy->trickle(0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("infoUpdateRow") != nullptr; }, 30000));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        QQuickItem *label = ui.item("databaseVersionLabel");
+        return label && label->property("text").toString().contains(QLatin1String("20261201"));
+    }, 10000));
+    EXPECT_TRUE(ui.item("upToDateMark")->isVisible());
+    EXPECT_FALSE(QFile::exists(ui.demoFile)); // the old file went once the patched one was in use
+}
