@@ -13,6 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace {
 struct ReadyCounter : DatabaseReadyDelegate {
     int calls = 0;
@@ -119,6 +122,22 @@ TEST(Walkthrough, HandedOverFilesAreCheckedAndNeverLost)
     EXPECT_NE(copy->message(), QStringLiteral("wt_import_damaged"));
     EXPECT_FALSE(copy->ready());
 
+    // A disk that fills up half-way through the copy (the process's file size limit stands in
+    // for it): refused, and nothing half-written stays in Documents.
+    {
+        rlimit saved{};
+        getrlimit(RLIMIT_FSIZE, &saved);
+        const auto previous = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit small = saved;
+        small.rlim_cur = 16 * 1024;
+        setrlimit(RLIMIT_FSIZE, &small);
+        const Outcome full = run.import(good);
+        setrlimit(RLIMIT_FSIZE, &saved);
+        std::signal(SIGXFSZ, previous);
+        EXPECT_EQ(full, Outcome::CopyFailed);
+        EXPECT_EQ(QDir(run.home.documents()).entryList(QDir::Files | QDir::Hidden), QStringList());
+    }
+
     EXPECT_EQ(run.import(good), Outcome::Imported);
     EXPECT_EQ(QDir(run.home.documents()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("velmora-20261101.db")});
     EXPECT_EQ(run.import(good), Outcome::NotNewer); // its name is taken now
@@ -150,4 +169,8 @@ TEST(Walkthrough, DownloadStepThrottlesProgressAndShowsFailures)
     EXPECT_TRUE(download->downloadLabel().contains(QLatin1String("code 500")));
     download->startButtonTouched();
     EXPECT_EQ(run.app.calls, 0);
+    download->retryTouched(); // the network is back: the bar starts over
+    EXPECT_FALSE(download->failed());
+    EXPECT_LT(download->progress(), 0);
+    EXPECT_EQ(run.downloader.delegate(), download);
 }
