@@ -4,6 +4,7 @@
 #include "catalogue/LoadRestaurantsOperation.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Dispatch.h"
+#include "platform/Localize.h"
 #include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Notifications.h"
@@ -39,10 +40,12 @@ WTiTunesViewController::WTiTunesViewController(Restaurants &restaurants, QString
     , m_documents(std::move(documents))
 {
     localize();
+    NotificationCenter::defaultCenter().addObserver(this, Localize::changeNotification, [this](const QVariant &) { localize(); });
 }
 
 WTiTunesViewController::~WTiTunesViewController()
 {
+    NotificationCenter::defaultCenter().removeObserver(this);
     stopWatching();
     m_importQueue.waitUntilAllOperationsAreFinished();
 }
