@@ -253,13 +253,13 @@ void BackgroundSession::readBody()
 void BackgroundSession::finished()
 {
     QNetworkReply *reply = m_reply;
-    m_reply = nullptr;
     reply->deleteLater();
-    if (reply->bytesAvailable() > 0) {
-        m_reply = reply;
+    if (reply->bytesAvailable() > 0)
         readBody();
-        m_reply = nullptr;
-    }
+    // Headers seen only now may have ended the task or started it afresh: nothing more to do here.
+    if (m_reply != reply)
+        return;
+    m_reply = nullptr;
     const qint64 have = m_body.isOpen() ? m_body.size() : QFileInfo(m_bodyPath).size();
     m_body.close();
 
