@@ -111,17 +111,15 @@ void Downloader::startUpdate()
 
 void Downloader::tryNextSource(const QString &message)
 {
-    if (!m_pendingURLs.isEmpty()) {
-        QPointer<Downloader> self(this);
-        dispatchMain([self] {
-            if (self)
-                self->startUpdate();
-        });
-        return;
-    }
+    // A cancel between here and the next turn of the main loop ends the attempt.
+    const quint64 attempt = m_attempt;
     QPointer<Downloader> self(this);
-    dispatchMain([self, message] {
-        if (self)
+    dispatchMain([self, attempt, message, more = !m_pendingURLs.isEmpty()] {
+        if (!self || self->m_attempt != attempt)
+            return;
+        if (more)
+            self->startUpdate();
+        else
             self->failWith(1, message);
     });
 }
