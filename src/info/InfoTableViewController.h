@@ -4,9 +4,11 @@
 #include "presentation/ViewController.h"
 #include "update/DownloaderDelegate.h"
 
+#include "update/Downloader.h"
+
+#include <QPointer>
 #include <QStringList>
 
-class Downloader;
 class Restaurants;
 class UpdateChecker;
 class UserDefaults;
@@ -80,7 +82,7 @@ private:
     Restaurants &m_restaurants;
     UserDefaults &m_defaults;
     UpdateChecker *m_checker;
-    Downloader *m_downloader;
+    QPointer<Downloader> m_downloader;
     QStringList m_cells;
     ProgressCell m_progressCell;
 };

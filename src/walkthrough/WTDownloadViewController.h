@@ -4,9 +4,11 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include "update/Downloader.h"
+
+#include <QPointer>
 #include <QtQml/qqmlregistration.h>
 
-class Downloader;
 class Restaurants;
 class WalkthroughDelegate;
 
@@ -51,7 +53,7 @@ private:
     void showError(const QString &message);
 
     Restaurants &m_restaurants;
-    Downloader *m_downloader;
+    QPointer<Downloader> m_downloader; // may go first when the application object ends
     double m_progress = -1;
     QString m_downloadLabel;
     bool m_finished = false;

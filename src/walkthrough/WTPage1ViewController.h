@@ -6,9 +6,11 @@
 #include "walkthrough/WalkthroughDelegate.h"
 
 #include <QObject>
+#include "update/Downloader.h"
+
+#include <QPointer>
 #include <QtQml/qqmlregistration.h>
 
-class Downloader;
 class Restaurants;
 
 // The first run's screen: the splash and one step at a time (select, copy, download). A
@@ -52,7 +54,7 @@ signals:
 private:
     void showView(const QString &step);
 
-    Downloader *m_downloader;
+    QPointer<Downloader> m_downloader;
     DatabaseReadyDelegate *m_databaseReadyDelegate;
     WTSelectViewController m_select;
     WTiTunesViewController m_itunes;
