@@ -2,6 +2,7 @@
 // See tools/README.md. Reports go to standard output as JSON; a failure is one line on standard
 // error and a non-zero exit.
 
+#include "toolkit/BaseMap.h"
 #include "toolkit/CatalogueData.h"
 #include "toolkit/CatalogueWriter.h"
 #include "toolkit/DemoGenerator.h"
@@ -12,6 +13,7 @@
 #include "catalogue/CatalogueDates.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -23,6 +25,7 @@
 #include <QSysInfo>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -38,6 +41,7 @@ const char usage[] = R"(usage:
   velmora-catalogue query FILE list --province ID [--text T] [--municipality ID]... [--cuisine ID]...
                                     [--price ID]... [--show-closed]
   velmora-catalogue query FILE place ID
+  velmora-catalogue basemap -o FILE.mbtiles [--max-zoom Z] [--resolution c|l|i|h|f]
 )";
 
 int fail(const QString &message)
@@ -249,11 +253,46 @@ int query(const QStringList &arguments)
     return fail(QStringLiteral("query FILE search|list|place ..."));
 }
 
+// Renders the base map's tiles with GMT's shapes (GMT is needed here only, never by the app).
+int basemap(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("-o"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution")}, {});
+    BaseMapOptions options;
+    bool ok = true;
+    if (args.options.contains(QStringLiteral("--max-zoom")))
+        options.maxZoom = args.value(QStringLiteral("--max-zoom")).toInt(&ok);
+    if (args.options.contains(QStringLiteral("--resolution")))
+        options.resolution = args.value(QStringLiteral("--resolution"));
+    if (!args.error.isEmpty() || !args.positional.isEmpty() || args.value(QStringLiteral("-o")).isEmpty() || !ok
+        || !QStringList{QStringLiteral("c"), QStringLiteral("l"), QStringLiteral("i"), QStringLiteral("h"), QStringLiteral("f")}.contains(options.resolution))
+        return fail(args.error.isEmpty() ? QStringLiteral("basemap -o FILE.mbtiles [--max-zoom Z] [--resolution c|l|i|h|f]") : args.error);
+    BaseMapData data;
+    BaseMapStats stats;
+    QString error;
+    if (!loadBaseMapData(options, data, &error) || !writeBaseMap(data, options, args.value(QStringLiteral("-o")), stats, &error))
+        return fail(error);
+    QJsonObject perZoom;
+    for (auto it = stats.tilesPerZoom.cbegin(); it != stats.tilesPerZoom.cend(); ++it)
+        perZoom.insert(QString::number(it.key()), it.value());
+    return report(QJsonObject{{QStringLiteral("file"), args.value(QStringLiteral("-o"))},
+                              {QStringLiteral("maxZoom"), options.maxZoom},
+                              {QStringLiteral("resolution"), options.resolution},
+                              {QStringLiteral("tiles"), stats.tiles},
+                              {QStringLiteral("images"), stats.images},
+                              {QStringLiteral("tilesPerZoom"), perZoom},
+                              {QStringLiteral("bytes"), stats.bytes},
+                              {QStringLiteral("milliseconds"), stats.milliseconds}});
+}
+
 }
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
+    // Only the base map draws text, which needs a font database; it works without a display.
+    const bool drawing = argc > 1 && qstrcmp(argv[1], "basemap") == 0;
+    if (drawing && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    std::unique_ptr<QCoreApplication> application(drawing ? new QGuiApplication(argc, argv) : new QCoreApplication(argc, argv));
     // The app's own code logs what a device would; a command-line tool speaks only on failure.
     QLoggingCategory::setFilterRules(QStringLiteral("velmora.*.info=false\nvelmora.*.debug=false\nvelmora.*.warning=false"));
     const QStringList arguments = QCoreApplication::arguments().mid(1);
@@ -271,7 +310,7 @@ int main(int argc, char *argv[])
                                       QStringLiteral("--price"), QStringLiteral("--province"), QStringLiteral("--seed"),
                                       QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to"),
                                       QStringLiteral("--port"), QStringLiteral("--name"), QStringLiteral("--priority"),
-                                      QStringLiteral("--advertise")};
+                                      QStringLiteral("--advertise"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution")};
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         const bool valueOfText = i > 0 && arguments.at(i - 1) == QLatin1String("--text");
@@ -297,6 +336,8 @@ int main(int argc, char *argv[])
         return serve(rest);
     if (command == QLatin1String("query"))
         return query(rest);
+    if (command == QLatin1String("basemap"))
+        return basemap(rest);
     // No command prints the usage; an unknown one is refused with it.
     std::fputs(usage, command.isEmpty() ? stdout : stderr);
     return command.isEmpty() ? 0 : 2;

@@ -462,6 +462,8 @@
   --update-now        fetch and install a newer catalogue (a patch, else the whole
                       file), printing progress and a JSON result, quit (no window)
   --update-url URL    where the update information is (default: the setting update-url)
+  --position-log FILE replay the user's position from an NMEA log (instead of the
+                      device's own source)
   --version           print the version and quit
   -h, --help          print this help and quit
 
@@ -696,6 +698,34 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
     <message id="info_social_googleplus">
         <source>info_social_googleplus</source>
         <translation>Google+</translation>
+    </message>
+    <message id="a11y_location_off">
+        <source>a11y_location_off</source>
+        <translation>Show my location</translation>
+    </message>
+    <message id="a11y_location_waiting">
+        <source>a11y_location_waiting</source>
+        <translation>Finding your location; tap to stop</translation>
+    </message>
+    <message id="a11y_location_centered">
+        <source>a11y_location_centered</source>
+        <translation>Stop showing my location</translation>
+    </message>
+    <message id="a11y_location_not_centered">
+        <source>a11y_location_not_centered</source>
+        <translation>Centre the map on me</translation>
+    </message>
+    <message id="a11y_map_open_card">
+        <source>a11y_map_open_card</source>
+        <translation>Open the place's card</translation>
+    </message>
+    <message id="a11y_map">
+        <source>a11y_map</source>
+        <translation>Map of the places</translation>
+    </message>
+    <message id="a11y_map_loading">
+        <source>a11y_map_loading</source>
+        <translation>Loading the map</translation>
     </message>
 </context>
 </TS>

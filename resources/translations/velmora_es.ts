@@ -463,6 +463,8 @@
                       el archivo entero), imprime el progreso y un resultado JSON,
                       y sale (sin ventana)
   --update-url URL    dónde está la información de actualización (por omisión: el ajuste update-url)
+  --position-log FICHERO reproduce la posición del usuario desde un registro NMEA
+                      (en lugar de la fuente del dispositivo)
   --version           imprime la versión y sale
   -h, --help          imprime esta ayuda y sale
 
@@ -697,6 +699,34 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
     <message id="info_social_googleplus">
         <source>info_social_googleplus</source>
         <translation>Google+</translation>
+    </message>
+    <message id="a11y_location_off">
+        <source>a11y_location_off</source>
+        <translation>Mostrar mi ubicación</translation>
+    </message>
+    <message id="a11y_location_waiting">
+        <source>a11y_location_waiting</source>
+        <translation>Buscando tu ubicación; toca para detener</translation>
+    </message>
+    <message id="a11y_location_centered">
+        <source>a11y_location_centered</source>
+        <translation>Dejar de mostrar mi ubicación</translation>
+    </message>
+    <message id="a11y_location_not_centered">
+        <source>a11y_location_not_centered</source>
+        <translation>Centrar el mapa en mí</translation>
+    </message>
+    <message id="a11y_map_open_card">
+        <source>a11y_map_open_card</source>
+        <translation>Abrir la ficha del lugar</translation>
+    </message>
+    <message id="a11y_map">
+        <source>a11y_map</source>
+        <translation>Mapa de los lugares</translation>
+    </message>
+    <message id="a11y_map_loading">
+        <source>a11y_map_loading</source>
+        <translation>Cargando el mapa</translation>
     </message>
 </context>
 </TS>

@@ -59,6 +59,9 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments)
         } else if (argument == QLatin1String("--update-url")) {
             if (!value(options.updateUrl) || !QUrl(options.updateUrl, QUrl::StrictMode).isValid())
                 return refuse(QStringLiteral("--update-url needs a URL"));
+        } else if (argument == QLatin1String("--position-log")) {
+            if (!value(options.positionLog))
+                return refuse(QStringLiteral("--position-log needs an NMEA file"));
         } else if (argument == QLatin1String("--open")) {
             if (!value(options.link))
                 return refuse(QStringLiteral("--open needs a link"));

@@ -2,6 +2,9 @@
 
 #include "app/SideMenuTableViewController.h"
 #include "browse/BuscarViewController.h"
+#include "placecard/LugarTableViewController.h"
+#include "presentation/NavigationController.h"
+#include "presentation/Storyboard.h"
 
 namespace {
 const QString searchRow = QStringLiteral("browse");
@@ -32,8 +35,24 @@ bool LinkRouter::follow(const DeepLink &link, bool animated, QString *why)
         const QString tab = link.kind == DeepLink::Kind::Offers ? QStringLiteral("offers") : QStringLiteral("discover");
         return m_search.showTabKind(tab) || fail(QStringLiteral("this province has no %1").arg(tab));
     }
-    case DeepLink::Kind::Map:
-        return m_menu.selectRowWithKey(QStringLiteral("map")) || fail(QStringLiteral("no map in the menu"));
+    case DeepLink::Kind::Map: {
+        if (link.id <= 0)
+            return m_menu.selectRowWithKey(QStringLiteral("map")) || fail(QStringLiteral("no map in the menu"));
+        // A place's map is reached through its card, so back leads to the card and the list.
+        m_menu.selectRowWithKey(searchRow);
+        if (!m_search.openPlace(link.id, animated))
+            return fail(QStringLiteral("no place %1").arg(link.id));
+        NavigationController *navigation = m_search.navigationController();
+        auto *card = navigation ? qobject_cast<LugarTableViewController *>(navigation->topViewController()) : nullptr;
+        if (!card || !card->shouldPerformSegue(QStringLiteral("lugar-show-map")))
+            return fail(QStringLiteral("place %1 has no position").arg(link.id));
+        ViewController *map = Storyboard::instantiate(QStringLiteral("Lugar"), QStringLiteral("lugar-map-view-controller"), card);
+        if (!map)
+            return fail(QStringLiteral("no map screen"));
+        map->setProperty("rid", link.id);
+        navigation->pushViewController(map, animated);
+        return true;
+    }
     case DeepLink::Kind::MyPlaces:
         return m_menu.selectRowWithKey(QStringLiteral("myplaces")) || fail(QStringLiteral("no my places in the menu"));
     case DeepLink::Kind::Settings:

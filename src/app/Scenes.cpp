@@ -7,6 +7,7 @@
 #include "app/AppDelegate.h"
 #include "catalogue/Restaurants.h"
 #include "info/InfoTableViewController.h"
+#include "map/MapViewController.h"
 #include "update/Downloader.h"
 #include "personal/MyPlacesViewController.h"
 #include "placecard/GalleryViewController.h"
@@ -15,6 +16,7 @@
 #include "placecard/MoreInfoTableViewController.h"
 #include "placecard/PhoneNumbersViewController.h"
 #include "placecard/SaveToMyPlacesViewController.h"
+#include "platform/Paths.h"
 #include "platform/UserDefaults.h"
 #include "presentation/PlaceholderViewController.h"
 #include "presentation/Storyboard.h"
@@ -76,9 +78,12 @@ void registerApplicationScenes()
                                            Downloader::shared(), parent);
     });
 
+    // The global map from the side menu and the single-place map from a card: one screen.
+    const auto map = [](QObject *parent) -> ViewController * { return new MapViewController(Restaurants::shared(), Paths::documents(), parent); };
+    Storyboard::registerScene(QStringLiteral("Main"), QStringLiteral("map-view-controller"), map);
+    Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("lugar-map-view-controller"), map);
+
     using Place = PlaceholderViewController::Place;
-    placeholder("Lugar", "lugar-map-view-controller", "map_title", Place::Pushed);
-    placeholder("Main", "map-view-controller", "map_title", Place::TopLevel);
     placeholder("Info_Settings", "settings-view-controller", "settings_title", Place::TopLevel);
     placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", Place::Presented);
 }

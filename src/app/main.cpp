@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
 #include "app/LaunchOptions.h"
+#include "platform/PositionerService.h"
 #include "app/UpdateCommands.h"
 #include "catalogue/Restaurants.h"
 #include "platform/Database.h"
@@ -55,6 +56,8 @@ int main(int argc, char *argv[])
 
     if (!options.updateUrl.isEmpty())
         UpdateChecker::setInternetURLOverride(QUrl(options.updateUrl));
+    if (!options.positionLog.isEmpty())
+        PositionerService::useLog(options.positionLog);
     if (options.checkUpdates || options.updateNow) {
         // Headless: no display needed, nothing shown.
         QCoreApplication app(argc, argv);
@@ -111,6 +114,10 @@ int main(int argc, char *argv[])
             // The first run's steps fade in after the splash: reported once they are there.
             const auto *steps = findItem(window.window()->contentItem(), QStringLiteral("walkthroughContainer"));
             if (steps && steps->opacity() < 1.0)
+                return;
+            // The map's pins are made after its screen first shows.
+            const auto *mapSpinner = findItem(window.window()->contentItem(), QStringLiteral("mapActivityIndicator"));
+            if (mapSpinner && mapSpinner->isVisible())
                 return;
             if (delegate.root() == QLatin1String("main") && options.selfTest)
                 report("list rows of");

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Controls.Basic
 import Velmora
 
 // One bar button: its glyph or title in its own font and tint, a 44-point touch target.
@@ -13,13 +14,32 @@ Item {
     Accessible.name: item ? qsTrId(["a11y", item.name].join("_")) : ""
     Accessible.onPressAction: button.item.trigger()
 
+    Rectangle {
+        anchors.centerIn: parent
+        width: label.implicitWidth + 10
+        height: label.implicitHeight + 4
+        radius: 3
+        color: button.item ? button.item.backgroundColor : "transparent"
+        visible: !busy.running
+        opacity: area.pressed ? 0.5 : 1
+    }
     Text {
         id: label
         anchors.centerIn: parent
         text: button.item ? button.item.title : ""
         font: button.item ? button.item.font : Theme.fonts.iconFont
         color: button.item ? button.item.tintColor : "white"
+        visible: !busy.running
         opacity: area.pressed ? 0.5 : 1
+    }
+    BusyIndicator {
+        id: busy
+        anchors.centerIn: parent
+        width: 26
+        height: 26
+        running: button.item ? button.item.busy : false
+        visible: running
+        palette.dark: "white"
     }
     MouseArea {
         id: area

@@ -35,3 +35,15 @@ void BarButtonItem::setTintColor(const QColor &color)
     m_tint = color;
     emit changed();
 }
+
+void BarButtonItem::setBackgroundColor(const QColor &color)
+{
+    m_background = color;
+    emit changed();
+}
+
+void BarButtonItem::setBusy(bool busy)
+{
+    m_busy = busy;
+    emit changed();
+}

@@ -16,6 +16,10 @@ class BarButtonItem : public QObject
     Q_PROPERTY(QFont font READ font NOTIFY changed)
     Q_PROPERTY(QColor tintColor READ tintColor NOTIFY changed)
     Q_PROPERTY(QString name READ objectName CONSTANT)
+    // A filled, rounded plate behind the title (transparent: none).
+    Q_PROPERTY(QColor backgroundColor READ backgroundColor NOTIFY changed)
+    // An activity indicator in the title's place; a tap still triggers the item.
+    Q_PROPERTY(bool busy READ busy NOTIFY changed)
 
 public:
     BarButtonItem(const QString &name, const QString &title, const QFont &font, QObject *parent = nullptr);
@@ -28,6 +32,10 @@ public:
     void setTitle(const QString &title);
     void setFont(const QFont &font);
     void setTintColor(const QColor &color);
+    QColor backgroundColor() const { return m_background; }
+    void setBackgroundColor(const QColor &color);
+    bool busy() const { return m_busy; }
+    void setBusy(bool busy);
 
     Q_INVOKABLE void trigger() { emit triggered(); }
 
@@ -39,4 +47,6 @@ private:
     QString m_title;
     QFont m_font;
     QColor m_tint = Qt::white;
+    QColor m_background = Qt::transparent;
+    bool m_busy = false;
 };

@@ -14,16 +14,6 @@
 namespace {
 QPoint centreOf(QQuickItem *item) { return item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint(); }
 
-// A finger dragging from `from` by `by`, in small steps, and lifting.
-void drag(QQuickWindow *window, QPoint from, QPoint by, bool release = true)
-{
-    QTest::mousePress(window, Qt::LeftButton, {}, from);
-    for (int step = 1; step <= 12; ++step)
-        QTest::mouseMove(window, from + by * step / 12, 16);
-    if (release)
-        QTest::mouseRelease(window, Qt::LeftButton, {}, from + by);
-}
-
 // The first place of the capital's list that `wanted` accepts, or -1.
 int firstListedPlace(DemoWindow &ui, const std::function<bool(const RestaurantInfo &)> &wanted)
 {

@@ -1,0 +1,465 @@
+#include "map/MapView.h"
+
+#include "map/MapCalloutView.h"
+#include "map/MapViewDelegate.h"
+
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <QQuickWindow>
+#include <QSGImageNode>
+#include <QSGRectangleNode>
+#include <QSGTexture>
+#include <QStyleHints>
+
+#include <algorithm>
+#include <cmath>
+
+Q_DECLARE_LOGGING_CATEGORY(lcMapTiles)
+
+namespace {
+
+const QColor backgroundColor(0xec, 0xe8, 0xdf);
+const QColor gridColor(0xd6, 0xd0, 0xc3);
+// Tile pictures kept as textures beyond those on screen, so panning back costs nothing.
+constexpr int keptTextures = 160;
+
+quint64 tileKey(int zoom, int column, int row) { return (quint64(zoom) << 48) | (quint64(column) << 24) | quint64(row); }
+
+// The scene-graph side of the view: fixed children in drawing order, and the tile textures.
+class MapRootNode : public QSGNode
+{
+public:
+    ~MapRootNode() override { qDeleteAll(textures); }
+
+    QSGRectangleNode *background = nullptr;
+    QSGNode *grid = nullptr;
+    QSGNode *tiles = nullptr;
+    QSGImageNode *pins = nullptr;
+    QHash<quint64, QSGTexture *> textures;
+    QHash<quint64, quint64> lastUsed; // frame number
+    quint64 frame = 0;
+    int packGeneration = -1;
+};
+
+void removeChildren(QSGNode *node)
+{
+    while (QSGNode *child = node->firstChild()) {
+        node->removeChildNode(child);
+        delete child;
+    }
+}
+
+}
+
+MapView::MapView(QQuickItem *parent)
+    : QQuickItem(parent)
+    , m_callout(new MapCalloutView(this))
+{
+    setFlag(ItemHasContents);
+    setAcceptedMouseButtons(Qt::LeftButton);
+    setAcceptTouchEvents(true);
+    setClip(true);
+}
+
+MapView::~MapView() = default;
+
+bool MapView::setTilePack(const QString &path, const QRectF &region)
+{
+    QString error;
+    const bool opened = !path.isEmpty() && m_pack.open(path, region, &error);
+    if (!opened)
+        qCWarning(lcMapTiles).noquote() << (path.isEmpty() ? QStringLiteral("no base map in the documents folder") : error)
+                                        << "; the map shows its plain background";
+    ++m_packGeneration;
+    emit baseMapChanged();
+    update();
+    return opened;
+}
+
+void MapView::addAnnotation(const Annotation &annotation)
+{
+    if (!TileMath::isValidCoordinate(annotation.latitude, annotation.longitude))
+        return;
+    m_pins.add(annotation.identifier, TileMath::worldFromCoordinate(annotation.latitude, annotation.longitude));
+    emit annotationsChanged();
+    update();
+}
+
+std::optional<Annotation> MapView::annotation(int identifier) const
+{
+    const int index = m_pins.indexOf(identifier);
+    if (index < 0)
+        return std::nullopt;
+    const QPointF coordinate = TileMath::coordinateFromWorld(m_pins.pins()[size_t(index)].world);
+    return Annotation{identifier, 0, coordinate.y(), coordinate.x()};
+}
+
+std::optional<int> MapView::annotationAt(const QPointF &point) const
+{
+    const int index = m_pins.hitTest(point, m_camera);
+    if (index < 0)
+        return std::nullopt;
+    return m_pins.pins()[size_t(index)].identifier;
+}
+
+void MapView::setVisibleRegion(const CoordinateRegion &region)
+{
+    if (!TileMath::isValidCoordinate(region.latitude, region.longitude))
+        return;
+    setCamera(TileMath::worldFromCoordinate(region.latitude, region.longitude), region.zoomLevel);
+    if (m_delegate)
+        m_delegate->mapViewDidChangeToRegion(visibleRegion());
+}
+
+CoordinateRegion MapView::visibleRegion() const
+{
+    const QPointF coordinate = TileMath::coordinateFromWorld(m_camera.center);
+    return {coordinate.y(), coordinate.x(), float(m_camera.zoom)};
+}
+
+QPointF MapView::pointForCoordinate(double latitude, double longitude) const
+{
+    return m_camera.toScreen(TileMath::worldFromCoordinate(latitude, longitude));
+}
+
+void MapView::setCamera(const QPointF &center, double zoom)
+{
+    m_camera.zoom = std::clamp(zoom, minimumZoom, maximumZoom);
+    m_camera.center = QPointF(std::clamp(center.x(), 0.0, 1.0), std::clamp(center.y(), 0.0, 1.0));
+    emit cameraChanged();
+    if (m_calloutPin)
+        emit calloutPointChanged();
+    update();
+}
+
+void MapView::zoomAt(const QPointF &point, double zoomDelta)
+{
+    // The world point under the fingers stays under them.
+    const QPointF anchor = m_camera.toWorld(point);
+    const double zoom = std::clamp(m_camera.zoom + zoomDelta, minimumZoom, maximumZoom);
+    const QPointF fromMiddle = point - QPointF(m_camera.viewport.width() / 2.0, m_camera.viewport.height() / 2.0);
+    setCamera(anchor - fromMiddle / TileMath::worldPixels(zoom), zoom);
+}
+
+void MapView::showCalloutForAnnotation(int identifier, const QPointF &offset, bool animated)
+{
+    Q_UNUSED(animated) // the callout appears at once: it must never hide what a tap just chose
+    if (m_pins.indexOf(identifier) < 0)
+        return;
+    m_calloutPin = identifier;
+    m_calloutOffset = offset;
+    emit calloutChanged();
+    emit calloutPointChanged();
+}
+
+void MapView::hideCallout()
+{
+    if (!m_calloutPin)
+        return;
+    m_calloutPin.reset();
+    emit calloutChanged();
+}
+
+QPointF MapView::calloutPoint() const
+{
+    const int index = m_calloutPin ? m_pins.indexOf(*m_calloutPin) : -1;
+    if (index < 0)
+        return {};
+    return m_camera.toScreen(m_pins.pins()[size_t(index)].world) - m_calloutOffset;
+}
+
+void MapView::setShowCurrentPosition(bool show)
+{
+    m_settings.showCurrentPosition = show;
+    update();
+}
+
+void MapView::setCurrentPosition(double latitude, double longitude, double accuracyMeters)
+{
+    if (!TileMath::isValidCoordinate(latitude, longitude))
+        return;
+    m_position = TileMath::worldFromCoordinate(latitude, longitude);
+    m_accuracyMeters = accuracyMeters;
+    update();
+}
+
+std::optional<QPointF> MapView::currentPosition() const
+{
+    if (!m_position)
+        return std::nullopt;
+    return TileMath::coordinateFromWorld(*m_position);
+}
+
+void MapView::centerOnCurrentPosition()
+{
+    if (m_position)
+        setCamera(*m_position, m_camera.zoom);
+}
+
+QImage MapView::renderPins(qreal devicePixelRatio)
+{
+    m_pinRenderer.render(m_pins, m_camera, devicePixelRatio, m_pinsImage);
+    if (m_settings.showCurrentPosition && m_position) {
+        const double latitude = TileMath::coordinateFromWorld(*m_position).y();
+        const double metersPerPixel = 40075016.686 * std::cos(latitude * M_PI / 180.0) / m_camera.scale();
+        PinRenderer::drawPosition(m_pinsImage, m_camera, devicePixelRatio, *m_position, m_accuracyMeters / metersPerPixel,
+                                  m_settings.showAccuracyCircle);
+    }
+    return m_pinsImage;
+}
+
+void MapView::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    m_camera.viewport = newGeometry.size();
+    if (m_calloutPin)
+        emit calloutPointChanged();
+    update();
+}
+
+QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
+{
+    QElapsedTimer timer;
+    timer.start();
+    QQuickWindow *win = window();
+    auto *root = static_cast<MapRootNode *>(oldNode);
+    if (!root) {
+        root = new MapRootNode;
+        root->background = win->createRectangleNode();
+        root->background->setColor(backgroundColor);
+        root->grid = new QSGNode;
+        root->tiles = new QSGNode;
+        root->pins = win->createImageNode();
+        root->pins->setOwnsTexture(true);
+        root->pins->setFiltering(QSGTexture::Linear);
+        root->appendChildNode(root->background);
+        root->appendChildNode(root->grid);
+        root->appendChildNode(root->tiles);
+        root->appendChildNode(root->pins);
+    }
+    ++root->frame;
+    const QRectF bounds(0, 0, width(), height());
+    root->background->setRect(bounds);
+    const QRectF visible = m_camera.visibleWorld();
+
+    // Without a base map, a grid of tile edges shows the map moving.
+    removeChildren(root->grid);
+    if (!m_pack.isOpen()) {
+        const int zoom = int(std::floor(m_camera.zoom));
+        const double step = 1.0 / double(1 << zoom);
+        for (double x = std::floor(visible.left() / step) * step; x <= visible.right(); x += step) {
+            QSGRectangleNode *line = win->createRectangleNode();
+            line->setColor(gridColor);
+            line->setRect(QRectF(m_camera.toScreen(QPointF(x, 0)).x(), 0, 1, height()));
+            root->grid->appendChildNode(line);
+        }
+        for (double y = std::floor(visible.top() / step) * step; y <= visible.bottom(); y += step) {
+            QSGRectangleNode *line = win->createRectangleNode();
+            line->setColor(gridColor);
+            line->setRect(QRectF(0, m_camera.toScreen(QPointF(0, y)).y(), width(), 1));
+            root->grid->appendChildNode(line);
+        }
+    }
+
+    // Tiles of the zoom nearest the camera's; a missing one borrows a part of an ancestor.
+    removeChildren(root->tiles);
+    if (root->packGeneration != m_packGeneration) {
+        qDeleteAll(root->textures);
+        root->textures.clear();
+        root->lastUsed.clear();
+        root->packGeneration = m_packGeneration;
+    }
+    if (m_pack.isOpen() && !bounds.isEmpty()) {
+        const int zoom = std::clamp(int(std::lround(m_camera.zoom)), m_pack.minZoom(), m_pack.maxZoom());
+        const QPoint first = TileMath::tileAt(visible.topLeft(), zoom);
+        const QPoint last = TileMath::tileAt(visible.bottomRight(), zoom);
+        for (int row = first.y(); row <= last.y(); ++row) {
+            for (int column = first.x(); column <= last.x(); ++column) {
+                int z = zoom, c = column, r = row;
+                QSGTexture *texture = nullptr;
+                for (; z >= m_pack.minZoom() && zoom - z <= 10; --z, c /= 2, r /= 2) {
+                    const quint64 key = tileKey(z, c, r);
+                    texture = root->textures.value(key);
+                    if (!texture && !root->lastUsed.contains(key)) {
+                        const QImage image = m_pack.tile(z, c, r);
+                        if (!image.isNull()) {
+                            texture = win->createTextureFromImage(image);
+                            root->textures.insert(key, texture);
+                        }
+                    }
+                    root->lastUsed.insert(key, root->frame); // a known gap isn't read again
+                    if (texture)
+                        break;
+                }
+                if (!texture)
+                    continue;
+                // The part of the found tile that covers the wanted one.
+                const int levels = zoom - z;
+                const double part = TileMath::tileSize / double(1 << levels);
+                const QRectF source((column - (c << levels)) * part, (row - (r << levels)) * part, part, part);
+                const QRectF wanted = TileMath::tileRect(zoom, column, row);
+                const QPointF topLeft = m_camera.toScreen(wanted.topLeft());
+                const QPointF bottomRight = m_camera.toScreen(wanted.bottomRight());
+                QSGImageNode *node = win->createImageNode();
+                node->setTexture(texture);
+                node->setOwnsTexture(false);
+                node->setFiltering(QSGTexture::Linear);
+                // Whole pixels, so neighbouring tiles meet without a hairline between them.
+                node->setRect(QRectF(QPointF(std::floor(topLeft.x()), std::floor(topLeft.y())),
+                                     QPointF(std::ceil(bottomRight.x()), std::ceil(bottomRight.y()))));
+                node->setSourceRect(source);
+                root->tiles->appendChildNode(node);
+            }
+        }
+        // Forget the longest unused tiles (and known gaps) beyond what is kept.
+        if (root->lastUsed.size() > keptTextures) {
+            QList<std::pair<quint64, quint64>> byAge;
+            for (auto it = root->lastUsed.cbegin(); it != root->lastUsed.cend(); ++it)
+                byAge.append({it.value(), it.key()});
+            std::sort(byAge.begin(), byAge.end());
+            for (qsizetype i = 0; i < byAge.size() - keptTextures && byAge.at(i).first < root->frame; ++i) {
+                delete root->textures.take(byAge.at(i).second);
+                root->lastUsed.remove(byAge.at(i).second);
+            }
+        }
+    }
+
+    // Every pin (and the user's position) in one picture.
+    const qreal ratio = win->effectiveDevicePixelRatio();
+    renderPins(ratio);
+    if (!m_pinsImage.isNull()) {
+        root->pins->setTexture(win->createTextureFromImage(m_pinsImage, QQuickWindow::TextureHasAlphaChannel));
+        root->pins->setRect(bounds);
+    }
+    m_lastFrameNanoseconds = timer.nsecsElapsed();
+    return root;
+}
+
+void MapView::beginRegionChange()
+{
+    if (m_regionChanging)
+        return;
+    m_regionChanging = true;
+    if (m_delegate)
+        m_delegate->mapViewDidStartRegionChange();
+}
+
+void MapView::endRegionChange()
+{
+    if (!m_regionChanging)
+        return;
+    m_regionChanging = false;
+    if (m_delegate)
+        m_delegate->mapViewDidChangeToRegion(visibleRegion());
+}
+
+void MapView::tap(const QPointF &point)
+{
+    if (const std::optional<int> identifier = annotationAt(point)) {
+        if (m_delegate)
+            m_delegate->mapViewDidSelectAnnotation(*identifier);
+        return;
+    }
+    const QPointF coordinate = TileMath::coordinateFromWorld(m_camera.toWorld(point));
+    if (m_delegate)
+        m_delegate->mapViewDidTapAtCoordinate(coordinate.y(), coordinate.x());
+}
+
+void MapView::mousePressEvent(QMouseEvent *event)
+{
+    m_pressed = true;
+    m_dragging = false;
+    m_pressPoint = m_lastPoint = event->position();
+    event->accept();
+}
+
+void MapView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_pressed)
+        return;
+    const QPointF point = event->position();
+    if (!m_dragging && (point - m_pressPoint).manhattanLength() >= QGuiApplication::styleHints()->startDragDistance()) {
+        m_dragging = true;
+        setKeepMouseGrab(true);
+        beginRegionChange();
+    }
+    if (m_dragging) {
+        setCamera(m_camera.center - (point - m_lastPoint) / m_camera.scale(), m_camera.zoom);
+        m_lastPoint = point;
+    }
+    event->accept();
+}
+
+void MapView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (!m_pressed)
+        return;
+    m_pressed = false;
+    setKeepMouseGrab(false);
+    if (m_dragging) {
+        m_dragging = false;
+        endRegionChange();
+    } else {
+        tap(event->position());
+    }
+    event->accept();
+}
+
+void MapView::mouseUngrabEvent()
+{
+    m_pressed = false;
+    if (m_dragging) {
+        m_dragging = false;
+        endRegionChange();
+    }
+}
+
+void MapView::wheelEvent(QWheelEvent *event)
+{
+    const double steps = event->angleDelta().y() / 120.0;
+    if (steps == 0) {
+        event->ignore();
+        return;
+    }
+    beginRegionChange();
+    zoomAt(event->position(), steps * 0.5);
+    endRegionChange();
+    event->accept();
+}
+
+void MapView::touchEvent(QTouchEvent *event)
+{
+    const QList<QEventPoint> &points = event->points();
+    if (points.size() < 2) {
+        if (m_pinching) {
+            m_pinching = false;
+            endRegionChange();
+            event->accept();
+            return;
+        }
+        // One finger drags and taps as the mouse does: let Qt make mouse events of it.
+        event->ignore();
+        return;
+    }
+    const QPointF a = points.at(0).position(), b = points.at(1).position();
+    const double distance = std::hypot(a.x() - b.x(), a.y() - b.y());
+    const QPointF center = (a + b) / 2;
+    if (!m_pinching || event->type() == QEvent::TouchBegin) {
+        m_pinching = true;
+        m_pressed = false;
+        m_pinchStartDistance = std::max(distance, 1.0);
+        m_pinchStartZoom = m_camera.zoom;
+        m_pinchLastCenter = center;
+        beginRegionChange();
+    } else {
+        // Follow the fingers' middle, then scale about it.
+        setCamera(m_camera.center - (center - m_pinchLastCenter) / m_camera.scale(), m_camera.zoom);
+        m_pinchLastCenter = center;
+        zoomAt(center, m_pinchStartZoom + std::log2(std::max(distance, 1.0) / m_pinchStartDistance) - m_camera.zoom);
+    }
+    if (event->type() == QEvent::TouchEnd) {
+        m_pinching = false;
+        endRegionChange();
+    }
+    event->accept();
+}

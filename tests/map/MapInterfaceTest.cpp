@@ -1,0 +1,104 @@
+#include "fixtures/DemoWindow.h"
+#include "map/MapCalloutView.h"
+#include "map/MapViewController.h"
+#include "map/MapViewWrapper.h"
+#include "map/NmeaLog.h"
+#include "placecard/LugarTableViewController.h"
+#include "platform/PositionerService.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+// The demo's base map in the home's documents, and a replayed drive through Havana that
+// starts with a receiver's (0, 0).
+struct MapDemo {
+    MapDemo()
+    {
+        MapViewWrapper::reset();
+        const QTime start(12, 0, 0);
+        NmeaLog::write(logDir.filePath(QStringLiteral("drive.nmea")),
+                       {NmeaLog::rmc(start, 0, 0), NmeaLog::rmc(start.addSecs(1), 23.1380, -82.3590),
+                        NmeaLog::rmc(start.addSecs(2), 23.1385, -82.3595), NmeaLog::rmc(start.addSecs(3), 23.1390, -82.3600)});
+        PositionerService::useLog(logDir.filePath(QStringLiteral("drive.nmea")));
+        QFile::copy(QStringLiteral(VELMORA_DEMO_BASEMAP), ui.home.documents() + QStringLiteral("/velmora-demo.mbtiles"));
+    }
+    ~MapDemo()
+    {
+        MapViewWrapper::reset();
+        PositionerService::useLog(QString());
+    }
+    MapView *view() const { return MapViewWrapper::shared().mapView(); }
+    // Where a pin's picture shows, in the window.
+    QPoint pinHead(int id) const
+    {
+        const Annotation &pin = MapViewWrapper::shared().annotations.value(id);
+        return view()->mapToScene(view()->pointForCoordinate(pin.latitude, pin.longitude) - QPointF(0, 18)).toPoint();
+    }
+
+    QTemporaryDir logDir;
+    DemoWindow ui;
+};
+}
+
+// Catches: a map entry, pin, callout button or location button that works only when its
+// controller is called: each is reached here by a finger at the place it shows.
+TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
+{
+    MapDemo demo;
+    DemoWindow &ui = demo.ui;
+    QQuickWindow *window = ui.window->window();
+    tap(window, ui.item("barButton-menu"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("menuRow-map") && ui.item("menuRow-map")->isVisible(); }, 2000));
+    QTest::qWait(400); // the drawer's slide
+    tap(window, ui.item("menuRow-map"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return demo.view() && demo.view()->isVisible() && demo.view()->window(); }, 5000));
+    EXPECT_TRUE(demo.view()->hasBaseMap());
+    EXPECT_GT(demo.view()->annotationCount(), 300);
+    ui.save("map-country");
+
+    // A drag moves the map by as much as the finger.
+    const CoordinateRegion before = demo.view()->visibleRegion();
+    drag(window, QPoint(200, 500), QPoint(-120, 0));
+    const CoordinateRegion after = demo.view()->visibleRegion();
+    EXPECT_GT(after.longitude, before.longitude + 1.0);
+    EXPECT_NEAR(after.latitude, before.latitude, 0.05);
+
+    // Close to Havana, a tap on a pin opens its callout with its name.
+    const int id = MapViewWrapper::shared().annotations.keys().first();
+    const Annotation pin = MapViewWrapper::shared().annotations.value(id);
+    demo.view()->setVisibleRegion({pin.latitude, pin.longitude, 18.5f});
+    QTest::qWait(50);
+    QTest::mouseClick(window, Qt::LeftButton, {}, demo.pinHead(id));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("mapCallout") && ui.item("mapCallout")->isVisible(); }, 2000));
+    const int selected = MapViewWrapper::placeForIdentifier(*demo.view()->annotationAt(demo.view()->mapFromScene(demo.pinHead(id))));
+    EXPECT_EQ(demo.view()->calloutView()->spokenTitle(), Restaurants::shared().brief(selected)->name);
+    demo.view()->setVisibleRegion({pin.latitude, pin.longitude, 16.0f});
+    ui.save("map-callout");
+
+    tap(window, ui.item("mapCalloutButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        auto *card = qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController());
+        return card && card->restInfo && card->restInfo->id == selected;
+    }, 3000));
+
+    // The card's own map row leads back to the map, zoomed on the place with its callout.
+    auto *card = qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController());
+    ASSERT_TRUE(card->performSegue(QStringLiteral("lugar-show-map")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return qobject_cast<MapViewController *>(ui.delegate.mainNavigation()->topViewController()); }, 3000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return demo.view()->calloutVisible() && ui.item("mapCallout")->isVisible(); }, 2000));
+    EXPECT_FLOAT_EQ(demo.view()->visibleRegion().zoomLevel, 16.0f);
+    ui.save("map-place");
+
+    // The location button: the spinner, then the replayed position centred.
+    tap(window, ui.item("barButton-location_not_centered") ? ui.item("barButton-location_not_centered") : ui.item("barButton-location_off"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-location_waiting") != nullptr; }, 500));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-location_centered") != nullptr; }, 5000));
+    EXPECT_NEAR(demo.view()->visibleRegion().latitude, 23.138, 0.01);
+    ui.save("map-locating");
+    tap(window, ui.item("barButton-location_centered"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-location_off") != nullptr; }, 2000));
+    EXPECT_FALSE(PositionerService::sharedInstance().isUpdating());
+}
