@@ -107,6 +107,7 @@ public:
     // Reads for the screens. Each answers its empty form when no catalogue is open, and when a
     // statement fails on a catalogue that passed its probe (a damaged file, logged as such).
     std::optional<Brief> brief(int id);
+    // Every place with a position a map can draw, in latitude order (south first).
     QList<PlaceLocation> allLocations() const;
     QStringList phones(int id) const;
     std::optional<RestaurantInfo> restaurantInfo(int id);

@@ -5,7 +5,6 @@
 #include "map/MapCalloutView.h"
 #include "richtext/IconFont.h"
 
-#include <algorithm>
 #include <memory>
 
 namespace {
@@ -40,9 +39,8 @@ MapView *MapViewWrapper::buildMapView(Restaurants &restaurants, const QString &d
     if (m_mapView)
         return m_mapView;
     auto *view = new MapView;
-    QList<PlaceLocation> locations = restaurants.allLocations();
-    std::stable_sort(locations.begin(), locations.end(),
-                     [](const PlaceLocation &a, const PlaceLocation &b) { return a.latitude < b.latitude; });
+    // In latitude order, south first, as the pins are added.
+    const QList<PlaceLocation> locations = restaurants.allLocations();
     for (const PlaceLocation &location : locations) {
         const Annotation annotation{identifierForPlace(location.id), annotationType, location.latitude, location.longitude};
         annotations.insert(location.id, annotation);

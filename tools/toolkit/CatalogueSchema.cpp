@@ -96,10 +96,12 @@ QString createStatement(const Table &table)
 
 QList<std::pair<QString, QString>> indexStatements()
 {
-    // The filter query reads only this index; the rest serve look-ups by place or menu.
+    // The filter query reads only the first index, and the map's pins only the second, already
+    // in latitude order; the rest serve look-ups by place or menu.
     QList<std::pair<QString, QString>> indexes = {
         {QStringLiteral("restaurants"),
          QStringLiteral("CREATE INDEX restaurants_filter ON restaurants(county_id, price_rank_id, oof)")},
+        {QStringLiteral("restaurants"), QStringLiteral("CREATE INDEX restaurants_location ON restaurants(latitud, longitud)")},
         {QStringLiteral("menu_entries"), QStringLiteral("CREATE INDEX menu_entries_menu ON menu_entries(menu_id)")},
     };
     for (const char *name : {"restaurants_cuisines", "restaurants_service_types", "restaurants_payment_types",
