@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -22,6 +23,13 @@ struct Brief {
 struct Location {
     double latitude = 0;
     double longitude = 0;
+
+    // Whether a map can show it: finite, a real longitude, and within the latitudes a square
+    // web map reaches (85.05 degrees either way). Anything else is a data error.
+    static bool isMappable(double latitude, double longitude)
+    {
+        return std::isfinite(latitude) && std::isfinite(longitude) && std::abs(latitude) <= 85.05112878 && std::abs(longitude) <= 180.0;
+    }
 };
 
 // The full record of a place, for its card.

@@ -5,7 +5,6 @@
 
 #include "catalogue/CatalogueDates.h"
 #include "catalogue/LanguageColumns.h"
-#include "map/TileMath.h"
 #include "platform/DatabaseQueue.h"
 #include "platform/Logging.h"
 #include "platform/Shuffle.h"
@@ -99,7 +98,7 @@ QList<PlaceLocation> Restaurants::allLocations() const
                            " ORDER BY latitud"), {},
             [&](const ResultSet &row) {
                 // Out-of-range positions are data errors: such a place has no pin.
-                if (TileMath::isValidCoordinate(row.doubleForColumn(1), row.doubleForColumn(2)))
+                if (Location::isMappable(row.doubleForColumn(1), row.doubleForColumn(2)))
                     locations.append({row.doubleForColumn(1), row.doubleForColumn(2), row.intForColumn(0)});
                 return true;
             });
@@ -185,7 +184,7 @@ std::optional<RestaurantInfo> Restaurants::restaurantInfo(int id)
             info.hasMenu = row.intForColumn(4) != 0;
             info.hasGallery = row.intForColumn(5) != 0;
             info.hasPhone = hasPhoneText(row.stringForColumn(6));
-            if (!row.columnIsNull(7) && !row.columnIsNull(8) && TileMath::isValidCoordinate(row.doubleForColumn(7), row.doubleForColumn(8)))
+            if (!row.columnIsNull(7) && !row.columnIsNull(8) && Location::isMappable(row.doubleForColumn(7), row.doubleForColumn(8)))
                 info.location = Location{row.doubleForColumn(7), row.doubleForColumn(8)};
             info.hours = row.stringForColumn(9).trimmed();
             info.description = row.stringForColumn(10).trimmed();

@@ -1,5 +1,7 @@
 #include "map/TileMath.h"
 
+#include "catalogue/Records.h"
+
 #include <QPoint>
 #include <algorithm>
 #include <cmath>
@@ -36,9 +38,6 @@ QRectF tileRect(int zoom, int column, int row)
     return {column * size, row * size, size, size};
 }
 
-bool isValidCoordinate(double latitude, double longitude)
-{
-    return std::isfinite(latitude) && std::isfinite(longitude) && std::abs(latitude) <= maxLatitude && std::abs(longitude) <= 180.0;
-}
+bool isValidCoordinate(double latitude, double longitude) { return Location::isMappable(latitude, longitude); }
 
 }

@@ -23,8 +23,7 @@ int tmsRow(int zoom, int row);
 QPoint tileAt(const QPointF &world, int zoom);
 // The world rectangle a tile covers.
 QRectF tileRect(int zoom, int column, int row);
-// Whether a coordinate can be drawn at all: finite, within the projection's latitudes and a
-// real longitude.
+// Whether a coordinate can be drawn at all (the catalogue's own rule for a place's position).
 bool isValidCoordinate(double latitude, double longitude);
 
 }

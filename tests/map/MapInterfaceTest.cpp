@@ -66,6 +66,13 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     EXPECT_GT(after.longitude, before.longitude + 1.0);
     EXPECT_NEAR(after.latitude, before.latitude, 0.05);
 
+    // Two wheel steps closer, the provinces are named at their capitals.
+    QWheelEvent wheel(QPointF(195, 400), window->mapToGlobal(QPointF(195, 400)), {}, QPoint(0, 240), Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    demo.view()->setVisibleRegion({22.3, -80.6, 6.0f});
+    QGuiApplication::sendEvent(window, &wheel);
+    EXPECT_FLOAT_EQ(demo.view()->visibleRegion().zoomLevel, 7.0f);
+    ui.save("map-provinces");
+
     // Close to Havana, a tap on a pin opens its callout with its name.
     const int id = MapViewWrapper::shared().annotations.keys().first();
     const Annotation pin = MapViewWrapper::shared().annotations.value(id);
@@ -84,11 +91,17 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
         return card && card->restInfo && card->restInfo->id == selected;
     }, 3000));
 
-    // The card's own map row leads back to the map, zoomed on the place with its callout.
-    auto *card = qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController());
-    ASSERT_TRUE(card->performSegue(QStringLiteral("lugar-show-map")));
+    // The card's address row leads back to the map, zoomed on the place with its callout.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarRow-address") && ui.item("lugarRow-address")->isVisible(); }, 2000));
+    // Taps during the card's slide belong to the stack: the map beneath hides once it is over.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.item("mapScreen")->isVisible(); }, 3000));
+    tap(window, ui.item("lugarRow-address"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return qobject_cast<MapViewController *>(ui.delegate.mainNavigation()->topViewController()); }, 3000));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return demo.view()->calloutVisible() && ui.item("mapCallout")->isVisible(); }, 2000));
+    // Each map screen has its callout; the one shown is the new screen's.
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return demo.view()->calloutVisible()
+               && ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("mapCallout") && item->isVisible(); });
+    }, 2000));
     EXPECT_FLOAT_EQ(demo.view()->visibleRegion().zoomLevel, 16.0f);
     ui.save("map-place");
 
@@ -101,4 +114,15 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     tap(window, ui.item("barButton-location_centered"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-location_off") != nullptr; }, 2000));
     EXPECT_FALSE(PositionerService::sharedInstance().isUpdating());
+
+    // Back through the card to the menu's map: the shared view comes back to it.
+    tap(window, ui.item("barButton-back"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController()); }, 3000));
+    QTest::qWait(500);
+    tap(window, ui.item("barButton-back"));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        QQuickItem *holder = demo.view()->parentItem();
+        return qobject_cast<MapViewController *>(ui.delegate.mainNavigation()->topViewController()) && holder && holder->isVisible()
+               && demo.view()->isVisible();
+    }, 3000));
 }
