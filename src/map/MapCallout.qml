@@ -39,6 +39,8 @@ Item {
         }
         RichLabel {
             objectName: "mapCalloutTitle"
+            Accessible.role: Accessible.StaticText
+            Accessible.name: callout.content ? callout.content.spokenTitle : ""
             x: 55
             y: 3
             width: parent.width - x - rightButton.width

@@ -56,12 +56,11 @@ int PinIndex::hitTest(const QPointF &screen, const MapCamera &camera, double slo
     const double reachX = m_pinSize.width() / 2 + slop;
     const QPointF low = camera.toWorld(screen + QPointF(-reachX, -slop));
     const QPointF high = camera.toWorld(screen + QPointF(reachX, m_pinSize.height() + slop));
-    const auto cell = [](double value) { return cellOf(value, gridCells); };
     int covering = -1;
     int nearest = -1;
     double nearestDistance = slop * slop;
-    for (int y = cell(low.y()); y <= cell(high.y()); ++y) {
-        for (int x = cell(low.x()); x <= cell(high.x()); ++x) {
+    for (int y = cellOf(low.y(), gridCells); y <= cellOf(high.y(), gridCells); ++y) {
+        for (int x = cellOf(low.x(), gridCells); x <= cellOf(high.x(), gridCells); ++x) {
             const size_t c = size_t(y) * gridCells + size_t(x);
             for (int k = m_cellStart[c]; k < m_cellStart[c + 1]; ++k) {
                 const int i = m_cellPins[size_t(k)];

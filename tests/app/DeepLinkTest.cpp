@@ -119,8 +119,14 @@ TEST(DeepLink, EveryLinkOpensItsScreenAndEveryControlIsNamed)
 {
     TestHome home;
     CatalogueFixture fixture = CatalogueFixture::small();
+    fixture.sql = {QStringLiteral("UPDATE restaurants SET latitud = 23.14, longitud = -82.35 WHERE id = 100")};
     home.addCatalogue(fixture, QStringLiteral("velmora-20170101.db"));
     const auto &place = fixture.places.first();
+
+    // A place's map: zoomed on it with its callout, a way back to its card.
+    const QStringList map = namesIn(dumpOf(home, QStringLiteral("velmora://map?place=100")));
+    EXPECT_TRUE(map.contains(QStringLiteral("Map")) && map.contains(place.name) && map.contains(QStringLiteral("Back")))
+        << map.join(QLatin1Char('|')).toStdString();
 
     const QStringList card = namesIn(dumpOf(home, QStringLiteral("velmora://place/%1").arg(place.id)));
     EXPECT_TRUE(card.contains(place.name)) << card.join(QLatin1Char('|')).toStdString();
