@@ -41,8 +41,8 @@ MapViewController::~MapViewController()
         m_mapView->setDelegate(nullptr);
     if (m_mapView && m_mapView->calloutView()->delegate() == this)
         m_mapView->calloutView()->setDelegate(nullptr);
-    if (PositionerService::sharedInstance().delegate() == this)
-        PositionerService::sharedInstance().setDelegate(nullptr);
+    if (PositionerService *positioner = PositionerService::existingInstance(); positioner && positioner->delegate() == this)
+        positioner->setDelegate(nullptr);
 }
 
 void MapViewController::setRid(int rid)

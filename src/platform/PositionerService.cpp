@@ -33,7 +33,7 @@ void PositionerService::useLog(const QString &nmeaPath)
     instance().reset();
 }
 
-void PositionerService::reset() { instance().reset(); }
+PositionerService *PositionerService::existingInstance() { return instance().get(); }
 
 PositionerService::PositionerService(const QString &path)
 {

@@ -40,8 +40,8 @@ public:
     // From now on the shared instance replays this log instead of asking the platform. Lines
     // that aren't NMEA sentences are skipped one by one.
     static void useLog(const QString &nmeaPath);
-    // A fresh shared instance (tests).
-    static void reset();
+    // The shared instance if one was made, else null: for letting go of it without making one.
+    static PositionerService *existingInstance();
 
     ~PositionerService() override;
 

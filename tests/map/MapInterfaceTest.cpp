@@ -66,6 +66,19 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     EXPECT_GT(after.longitude, before.longitude + 1.0);
     EXPECT_NEAR(after.latitude, before.latitude, 0.05);
 
+    // Two fingers moving apart to twice their distance zoom in by one level about their middle.
+    static QPointingDevice *touchscreen = QTest::createTouchDevice();
+    const CoordinateRegion beforePinch = demo.view()->visibleRegion();
+    const QPointF middle = demo.view()->mapToScene(QPointF(demo.view()->width() / 2, demo.view()->height() / 2));
+    QTest::touchEvent(window, touchscreen).press(0, (middle - QPointF(40, 0)).toPoint()).press(1, (middle + QPointF(40, 0)).toPoint());
+    for (int step = 1; step <= 8; ++step)
+        QTest::touchEvent(window, touchscreen)
+            .move(0, (middle - QPointF(40 + 5 * step, 0)).toPoint())
+            .move(1, (middle + QPointF(40 + 5 * step, 0)).toPoint());
+    QTest::touchEvent(window, touchscreen).release(0, (middle - QPointF(80, 0)).toPoint()).release(1, (middle + QPointF(80, 0)).toPoint());
+    EXPECT_NEAR(demo.view()->visibleRegion().zoomLevel, beforePinch.zoomLevel + 1.0, 0.05);
+    EXPECT_NEAR(demo.view()->visibleRegion().longitude, beforePinch.longitude, 0.05);
+
     // Two wheel steps closer, the provinces are named at their capitals.
     QWheelEvent wheel(QPointF(195, 400), window->mapToGlobal(QPointF(195, 400)), {}, QPoint(0, 240), Qt::NoButton, {}, Qt::NoScrollPhase, false);
     demo.view()->setVisibleRegion({22.3, -80.6, 6.0f});
