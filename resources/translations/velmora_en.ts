@@ -727,5 +727,85 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>a11y_map_loading</source>
         <translation>Loading the map</translation>
     </message>
+    <message id="settings_dev_header">
+        <source>settings_dev_header</source>
+        <translation>DEVELOPER TOOLS</translation>
+    </message>
+    <message id="settings_dev_notifications">
+        <source>settings_dev_notifications</source>
+        <translation>Notifications (WIP)</translation>
+    </message>
+    <message id="settings_dev_opinions">
+        <source>settings_dev_opinions</source>
+        <translation>User opinions (WIP)</translation>
+    </message>
+    <message id="settings_dev_update_always">
+        <source>settings_dev_update_always</source>
+        <translation>Always enable DB updates</translation>
+    </message>
+    <message id="settings_dev_keep_old_dbs">
+        <source>settings_dev_keep_old_dbs</source>
+        <translation>Keep all DBs, even those which aren't the newest</translation>
+    </message>
+    <message id="settings_dev_enable_subscribe">
+        <source>settings_dev_enable_subscribe</source>
+        <translation>Force enable subscriptions</translation>
+    </message>
+    <message id="settings_dev_user_defaults">
+        <source>settings_dev_user_defaults</source>
+        <translation>User Defaults</translation>
+    </message>
+    <message id="settings_dev_build_fts">
+        <source>settings_dev_build_fts</source>
+        <translation>Build FTS Index</translation>
+    </message>
+    <message id="settings_dev_clear_cache">
+        <source>settings_dev_clear_cache</source>
+        <translation>Clear NSURL Cache</translation>
+    </message>
+    <message id="settings_dev_delete_database">
+        <source>settings_dev_delete_database</source>
+        <translation>Delete Database</translation>
+    </message>
+    <message id="settings_dev_unknown">
+        <source>settings_dev_unknown</source>
+        <translation>Unknown Command</translation>
+    </message>
+    <message id="settings_dev_delete_title">
+        <source>settings_dev_delete_title</source>
+        <translation>Delete Database</translation>
+    </message>
+    <message id="settings_dev_delete_message">
+        <source>settings_dev_delete_message</source>
+        <translation>Are you sure? Restart app afterwards.</translation>
+    </message>
+    <message id="settings_dev_delete">
+        <source>settings_dev_delete</source>
+        <translation>Delete</translation>
+    </message>
+    <message id="settings_dev_cancel">
+        <source>settings_dev_cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message id="settings_locked">
+        <source>settings_locked</source>
+        <translation>Set by this installation</translation>
+    </message>
+    <message id="user_defaults_title">
+        <source>user_defaults_title</source>
+        <translation>User Defaults</translation>
+    </message>
+    <message id="user_defaults_edit">
+        <source>user_defaults_edit</source>
+        <translation>Edit</translation>
+    </message>
+    <message id="user_defaults_done">
+        <source>user_defaults_done</source>
+        <translation>Done</translation>
+    </message>
+    <message id="user_defaults_delete">
+        <source>user_defaults_delete</source>
+        <translation>Delete</translation>
+    </message>
 </context>
 </TS>

@@ -1,4 +1,5 @@
 #include "app/AppDelegate.h"
+#include "personal/Subscription.h"
 
 #include "update/Downloader.h"
 #include "update/ServiceCenter.h"
@@ -96,17 +97,13 @@ void AppDelegate::showDatabaseUI()
     setRoot(QString::fromLatin1(walkthroughRoot));
 }
 
-bool AppDelegate::subscribingPossible() const
-{
-    // No phone service on this platform: only the developer switch makes it possible.
-    return UserDefaults::standard().boolForKey(DefaultKeys::devEnableSubscribe);
-}
+bool AppDelegate::subscribingPossible() const { return Subscription::isAvailable(UserDefaults::standard(), Restaurants::shared()); }
 
 void AppDelegate::showSubscriptionUI()
 {
     const UserDefaults &defaults = UserDefaults::standard();
     if (subscribingPossible() && !defaults.boolForKey(DefaultKeys::subscriptionScreenSeen)
-        && defaults.intArrayForKey(DefaultKeys::subscriptionProvinces).isEmpty()) {
+        && !Subscription::isSubscribed(defaults)) {
         setRoot(QString::fromLatin1(subscribeIntroRoot));
         return;
     }

@@ -10,6 +10,8 @@
 #include "map/MapViewController.h"
 #include "update/Downloader.h"
 #include "personal/MyPlacesViewController.h"
+#include "personal/SettingsTableViewController.h"
+#include "personal/UserDefaultsTableViewController.h"
 #include "placecard/GalleryViewController.h"
 #include "placecard/LugarTableViewController.h"
 #include "placecard/MenuTableViewController.h"
@@ -83,7 +85,13 @@ void registerApplicationScenes()
     Storyboard::registerScene(QStringLiteral("Main"), QStringLiteral("map-view-controller"), map);
     Storyboard::registerScene(QStringLiteral("Lugar"), QStringLiteral("lugar-map-view-controller"), map);
 
+    Storyboard::registerScene(QStringLiteral("Info_Settings"), QStringLiteral("settings-view-controller"), [](QObject *parent) -> ViewController * {
+        return new SettingsTableViewController(Restaurants::shared(), UserDefaults::standard(), parent);
+    });
+    Storyboard::registerScene(QStringLiteral("Info_Settings"), QStringLiteral("user-defaults-view-controller"), [](QObject *parent) -> ViewController * {
+        return new UserDefaultsTableViewController(UserDefaults::standard(), parent);
+    });
+
     using Place = PlaceholderViewController::Place;
-    placeholder("Info_Settings", "settings-view-controller", "settings_title", Place::TopLevel);
     placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", Place::Presented);
 }

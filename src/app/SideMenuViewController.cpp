@@ -1,5 +1,7 @@
 #include "SideMenuViewController.h"
 
+#include "personal/Subscription.h"
+#include "catalogue/Restaurants.h"
 #include "app/AppDelegate.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Notifications.h"
@@ -40,10 +42,8 @@ void SideMenuViewController::localize()
 void SideMenuViewController::updateMoreInfoButton()
 {
     // Only those who could subscribe and haven't are invited.
-    const AppDelegate *app = AppDelegate::global();
-    const bool possible = app ? app->subscribingPossible()
-                              : UserDefaults::standard().boolForKey(DefaultKeys::devEnableSubscribe);
-    m_moreInfoHidden = !possible || !UserDefaults::standard().intArrayForKey(DefaultKeys::subscriptionProvinces).isEmpty();
+    const UserDefaults &defaults = UserDefaults::standard();
+    m_moreInfoHidden = !Subscription::isAvailable(defaults, Restaurants::shared()) || Subscription::isSubscribed(defaults);
     emit moreInfoButtonChanged();
 }
 
