@@ -58,11 +58,13 @@ QQuickItem *MapViewController::mapViewItem() const { return m_mapView.data(); }
 void MapViewController::viewDidLoad()
 {
     PositionerService::sharedInstance().setDelegate(this);
-    BarButtonItem *left = globalMap() ? new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, BarButtonItem::iconFont(18), this)
-                                      : new BarButtonItem(QStringLiteral("back"), IconFont::back + QStringLiteral("   "),
-                                                          BarButtonItem::iconFont(18), this);
-    connect(left, &BarButtonItem::triggered, this, [this] { globalMap() ? showMenu() : close(); });
-    setLeftItems({left});
+    if (globalMap()) {
+        auto *menu = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, BarButtonItem::iconFont(18), this);
+        connect(menu, &BarButtonItem::triggered, this, &MapViewController::showMenu);
+        setLeftItems({menu});
+    } else {
+        showBackButton();
+    }
 
     // One item per state, as the bar shows them: the plain glyph, the glyph on a white plate,
     // the white glyph, and the spinner that a tap also turns off.

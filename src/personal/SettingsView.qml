@@ -130,6 +130,7 @@ Rectangle {
                 anchors { right: parent.right; rightMargin: 12; verticalCenter: parent.verticalCenter }
                 checked: toggleRow.cell.on
                 enabled: !toggleRow.cell.locked
+                palette.dark: "#68B213"
                 Accessible.name: toggleRow.cell.title
                 onToggled: root.controller.toggleChanged(toggleRow.row, checked)
             }

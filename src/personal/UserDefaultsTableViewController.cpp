@@ -17,6 +17,7 @@ UserDefaultsTableViewController::UserDefaultsTableViewController(UserDefaults &d
 
 void UserDefaultsTableViewController::viewDidLoad()
 {
+    showBackButton();
     QFont font(QStringLiteral("Open Sans"));
     font.setPixelSize(15);
     m_editButton = new BarButtonItem(QStringLiteral("edit"), qtTrId("user_defaults_edit"), font, this);
