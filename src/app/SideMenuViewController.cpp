@@ -24,6 +24,8 @@ void SideMenuViewController::viewDidLoad()
     m_tableVC.viewDidLoad();
     NotificationCenter &center = NotificationCenter::defaultCenter();
     center.addObserver(this, Notifications::VelmoraUserSubscriptionChanged, [this](const QVariant &) { updateMoreInfoButton(); });
+    // Whether the catalogue names a number is known once it is loaded.
+    center.addObserver(this, Notifications::RestaurantsDidReload, [this](const QVariant &) { updateMoreInfoButton(); });
     center.addObserver(this, Localize::changeNotification, [this](const QVariant &) { localize(); });
     connect(&UserDefaults::standard(), &UserDefaults::keyChanged, this, [this](const QString &key) {
         if (key == DefaultKeys::devEnableSubscribe || key == DefaultKeys::subscriptionProvinces)

@@ -9,7 +9,9 @@
 
 bool Subscription::isAvailable(const UserDefaults &defaults, const Restaurants &restaurants)
 {
-    if (restaurants.subscriptionPhoneNumber().trimmed().isEmpty())
+    // Once a catalogue is open, it must name the number the message goes to. Before (a start
+    // whose catalogue is still loading) the rest of the rule decides, and is asked again after.
+    if (!restaurants.databasePath().isEmpty() && restaurants.subscriptionPhoneNumber().trimmed().isEmpty())
         return false;
     if (defaults.boolForKey(DefaultKeys::devEnableSubscribe))
         return true;

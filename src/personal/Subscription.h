@@ -12,7 +12,7 @@ class Subscription
 {
 public:
     // Offered when the developer switch is on, or on a SIM of the country's carrier (code "368")
-    // that can send text; never when the catalogue names no number to send to.
+    // that can send text; never when the open catalogue names no number to send to.
     static bool isAvailable(const UserDefaults &defaults, const Restaurants &restaurants);
     // The stored choice; nothing when none is stored or it isn't an array of integers.
     static std::optional<QSet<int>> provinces(const UserDefaults &defaults);

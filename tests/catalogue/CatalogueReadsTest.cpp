@@ -36,8 +36,7 @@ CatalogueFixture richFixture()
           << QStringLiteral("INSERT INTO menu_entries VALUES(2, 'Mojito', 'Mojito', 'Bebidas', 'Drinks', 4),"
                             " (2, 'Ropa vieja', 'Shredded beef', 'Platos', 'Mains', 12),"
                             " (2, 'Daiquirí', 'Daiquiri', 'Bebidas', 'Drinks', 3.5),"
-                            " (1, 'Viejo', 'Old', 'Antes', 'Before', 1)")
-          << QStringLiteral("INSERT INTO extras VALUES('phone_number', '8888')");
+                            " (1, 'Viejo', 'Old', 'Antes', 'Before', 1)");
     return f;
 }
 
@@ -183,6 +182,7 @@ TEST(CatalogueReads, PlaceRecords)
     CatalogueFixture older = CatalogueFixture::small();
     older.withProfileUrl = false;
     older.omitTables = {QStringLiteral("offers")};
+    older.phoneNumber.reset();
     TestHome other;
     auto plain = other.openCatalogue(older);
     EXPECT_TRUE(plain->moreInfo(100).website.isEmpty());

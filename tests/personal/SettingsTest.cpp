@@ -15,16 +15,8 @@
 namespace {
 using Kind = SettingsTableViewController::SettingsRow::Kind;
 
-// The small guide, with the number subscriptions are texted to.
-CatalogueFixture withNumber()
-{
-    CatalogueFixture fixture = CatalogueFixture::small();
-    fixture.sql = {QStringLiteral("INSERT INTO extras (key, val) VALUES ('phone_number', '8888')")};
-    return fixture;
-}
-
 struct SettingsScreen {
-    explicit SettingsScreen(const CatalogueFixture &fixture = withNumber())
+    explicit SettingsScreen(const CatalogueFixture &fixture = CatalogueFixture::small())
     {
         Localize::setCurrentLanguage(QStringLiteral("en"));
         restaurants = home.openCatalogue(fixture, QStringLiteral("en"));
@@ -125,7 +117,9 @@ TEST(Settings, SwitchesStoreTheirKeyAndForcedOnesAreLocked)
 // Catches: a subscription offered (to a developer, even) by a catalogue that names no number.
 TEST(Settings, NoNumberInTheCatalogueNoSubscription)
 {
-    SettingsScreen without(CatalogueFixture::small());
+    CatalogueFixture silent = CatalogueFixture::small();
+    silent.phoneNumber.reset();
+    SettingsScreen without(silent);
     without.home.defaults().setBool(true, DefaultKeys::devEnableSubscribe);
     without.screen->populateCells();
     EXPECT_EQ(without.rowOf(Kind::subscribed), -1);
