@@ -85,15 +85,6 @@ void MapView::addAnnotation(const Annotation &annotation)
     update();
 }
 
-std::optional<Annotation> MapView::annotation(int identifier) const
-{
-    const int index = m_pins.indexOf(identifier);
-    if (index < 0)
-        return std::nullopt;
-    const QPointF coordinate = TileMath::coordinateFromWorld(m_pins.pins()[size_t(index)].world);
-    return Annotation{identifier, 0, coordinate.y(), coordinate.x()};
-}
-
 std::optional<int> MapView::annotationAt(const QPointF &point) const
 {
     const int index = m_pins.hitTest(point, m_camera);

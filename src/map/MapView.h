@@ -76,7 +76,6 @@ public:
     void addAnnotation(const Annotation &annotation);
     int annotationCount() const { return m_pins.count(); }
     const PinIndex &pinIndex() const { return m_pins; }
-    std::optional<Annotation> annotation(int identifier) const;
     // The identifier of the pin a tap at this item's point would select.
     std::optional<int> annotationAt(const QPointF &point) const;
 

@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 QList<GmtSegment> parseGmtDump(const QByteArray &dump)
 {
@@ -37,7 +38,11 @@ QList<GmtSegment> parseGmtDump(const QByteArray &dump)
 
 bool runGmt(const QStringList &arguments, QByteArray &output, QString *error)
 {
+    // GMT keeps a history file in its working folder: give it a scratch one, not the caller's.
+    QTemporaryDir scratch;
     QProcess gmt;
+    if (scratch.isValid())
+        gmt.setWorkingDirectory(scratch.path());
     gmt.start(QStringLiteral("gmt"), arguments);
     if (!gmt.waitForStarted()) {
         *error = QStringLiteral("could not run gmt (install the Debian packages gmt, gmt-dcw and gmt-gshhg-high)");
