@@ -807,5 +807,17 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>user_defaults_delete</source>
         <translation>Delete</translation>
     </message>
+    <message id="settings_dev_shake">
+        <source>settings_dev_shake</source>
+        <translation>Shake for a fortune</translation>
+    </message>
+    <message id="device_phone">
+        <source>device_phone</source>
+        <translation>phone</translation>
+    </message>
+    <message id="device_computer">
+        <source>device_computer</source>
+        <translation>computer</translation>
+    </message>
 </context>
 </TS>

@@ -808,5 +808,17 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>user_defaults_delete</source>
         <translation>Delete</translation>
     </message>
+    <message id="settings_dev_shake">
+        <source>settings_dev_shake</source>
+        <translation>Shake for a fortune</translation>
+    </message>
+    <message id="device_phone">
+        <source>device_phone</source>
+        <translation>teléfono</translation>
+    </message>
+    <message id="device_computer">
+        <source>device_computer</source>
+        <translation>ordenador</translation>
+    </message>
 </context>
 </TS>

@@ -1,4 +1,7 @@
 #include "app/AppDelegate.h"
+#include "personal/FortunesViewController.h"
+#include "platform/ShakeDetector.h"
+#include "presentation/Presentation.h"
 #include "personal/Subscription.h"
 
 #include "update/Downloader.h"
@@ -25,6 +28,8 @@
 #include "platform/Paths.h"
 #include "platform/UserDefaults.h"
 
+#include <QDateTime>
+#include <QSysInfo>
 #include <QPointer>
 
 namespace {
@@ -133,6 +138,7 @@ void AppDelegate::loadMainUI()
         m_sideMenu->setContentController(m_mainNavigation);
         m_sideMenu->setDrawer(m_drawer);
         m_sideMenu->viewDidLoad();
+        loadFortunes();
     }
     setRoot(QString::fromLatin1(mainRoot));
     followPendingLink();
@@ -181,3 +187,36 @@ void AppDelegate::setRoot(const QString &root)
     emit rootChanged();
 }
 
+
+void AppDelegate::loadFortunes()
+{
+    m_fortunesViewController = qobject_cast<FortunesViewController *>(
+        Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("fortunes-view-controller"), this));
+    m_fortunes.loadFile(QStringLiteral(":/fortunes.json"));
+    auto *detector = new ShakeDetector(this);
+    connect(detector, &ShakeDetector::shaken, this, &AppDelegate::shaken);
+    NotificationCenter::defaultCenter().addObserver(this, Notifications::VelmoraShake, [this](const QVariant &) { shaken(); });
+}
+
+void AppDelegate::shaken()
+{
+    if (m_root != QLatin1String(mainRoot) || !m_mainNavigation)
+        return;
+    m_fortunes.shaken(QDateTime::currentMSecsSinceEpoch() / 1000.0);
+    showFortunesVCOnTopOf(m_mainNavigation);
+}
+
+void AppDelegate::showFortunesVCOnTopOf(NavigationController *navigation)
+{
+    // A shake while the sheet is up, or over another sheet, counts and shows nothing more.
+    if (!m_fortunesViewController || m_fortunesViewController->isVisible() || navigation->presentedViewController())
+        return;
+    // Phones name themselves; a desktop is a computer.
+    const QString product = QSysInfo::productType();
+    const bool phone = product == QLatin1String("android") || product == QLatin1String("ios");
+    const QString warning = qtTrId("careful_with_the_shaking").replace(QLatin1String("{DEVICE}"), qtTrId(phone ? "device_phone" : "device_computer"));
+    if (const std::optional<QString> text = m_fortunes.next(Localize::currentLanguage(), warning))
+        m_fortunesViewController->setFortune(*text);
+    navigation->presentViewController(m_fortunesViewController, true,
+                                      Presentation{Presentation::Edge::Bottom, 0, QColor(0x7f, 0x16, 0x16, 0xdd), 250});
+}

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "app/SideDrawer.h"
+#include "personal/Fortunes.h"
 #include "presentation/SideMenuPresenter.h"
 #include "walkthrough/WTPage1ViewController.h"
 #include "walkthrough/WalkthroughDelegate.h"
@@ -61,6 +62,10 @@ public:
     Q_INVOKABLE void databaseReady() override;
     Q_INVOKABLE void provinceSelectionDidCancel();
     Q_INVOKABLE void provinceSelectionDidFinish(const QList<int> &provinces);
+    // A shake of the device (or its stand-ins: the shortcut, the developer tool): a fortune over
+    // the main interface.
+    Q_INVOKABLE void shaken();
+    class FortunesViewController *fortunesViewController() const { return m_fortunesViewController; }
     Q_INVOKABLE void loadMainUI();
 
     // Whether the subscription introduction can be offered on this device.
@@ -90,6 +95,8 @@ signals:
 
 private:
     void setRoot(const QString &root);
+    void loadFortunes();
+    void showFortunesVCOnTopOf(NavigationController *navigation);
     void followPendingLink();
 
     Restaurants &m_restaurants;
@@ -105,6 +112,8 @@ private:
     UpdateChecker *m_updateChecker = nullptr;
     ServiceCenter *m_serviceCenter = nullptr;
     Downloader *m_downloader = nullptr;
+    Fortunes m_fortunes;
+    class FortunesViewController *m_fortunesViewController = nullptr;
 
 public:
     UpdateChecker *updateChecker() const { return m_updateChecker; }

@@ -15,6 +15,13 @@ ApplicationWindow {
     color: "#f4f1ec"
     font.family: "Open Sans"
 
+    // Where there is no accelerometer to shake, Ctrl+Shift+F asks for a fortune.
+    Shortcut {
+        sequence: "Ctrl+Shift+F"
+        context: Qt.ApplicationShortcut
+        onActivated: window.app.shaken()
+    }
+
     Loader {
         anchors.fill: parent
         sourceComponent: window.app.root === "main" ? mainRoot : window.app.root === "walkthrough" ? walkthroughRoot : placeholderRoot

@@ -9,6 +9,7 @@
 #include "info/InfoTableViewController.h"
 #include "map/MapViewController.h"
 #include "update/Downloader.h"
+#include "personal/FortunesViewController.h"
 #include "personal/MyPlacesViewController.h"
 #include "personal/SettingsTableViewController.h"
 #include "personal/UserDefaultsTableViewController.h"
@@ -91,6 +92,9 @@ void registerApplicationScenes()
     Storyboard::registerScene(QStringLiteral("Info_Settings"), QStringLiteral("user-defaults-view-controller"), [](QObject *parent) -> ViewController * {
         return new UserDefaultsTableViewController(UserDefaults::standard(), parent);
     });
+
+    Storyboard::registerScene(QStringLiteral("Main"), QStringLiteral("fortunes-view-controller"),
+                              [](QObject *parent) -> ViewController * { return new FortunesViewController(parent); });
 
     using Place = PlaceholderViewController::Place;
     placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", Place::Presented);

@@ -28,7 +28,7 @@ const std::pair<const char *, const QString *> developerToggles[] = {
     {"settings_dev_keep_old_dbs", &DefaultKeys::devKeepOldDbs},
     {"settings_dev_enable_subscribe", &DefaultKeys::devEnableSubscribe},
 };
-const char *developerCommands[] = {"user-defaults", "build-fts-index", "clear-nsurl-cache", "delete-database"};
+const char *developerCommands[] = {"user-defaults", "build-fts-index", "clear-nsurl-cache", "shake", "delete-database"};
 
 const QString reuseIdentifier(Kind kind)
 {
@@ -122,7 +122,8 @@ QVariantList SettingsTableViewController::rows() const
             static const QHash<QString, const char *> titles = {{QStringLiteral("delete-database"), "settings_dev_delete_database"},
                                                                 {QStringLiteral("user-defaults"), "settings_dev_user_defaults"},
                                                                 {QStringLiteral("build-fts-index"), "settings_dev_build_fts"},
-                                                                {QStringLiteral("clear-nsurl-cache"), "settings_dev_clear_cache"}};
+                                                                {QStringLiteral("clear-nsurl-cache"), "settings_dev_clear_cache"},
+                                                                {QStringLiteral("shake"), "settings_dev_shake"}};
             const char *title = titles.value(row.value, "settings_dev_unknown");
             cell.insert(QStringLiteral("title"), qtTrId(title));
             const bool red = row.value == QLatin1String("delete-database") || !titles.contains(row.value);
@@ -201,6 +202,9 @@ void SettingsTableViewController::runCommand(const QString &command)
                 navigation->pushViewController(viewer, true);
     } else if (command == QLatin1String("build-fts-index")) {
         m_restaurants.openSearchIndex(true);
+    } else if (command == QLatin1String("shake")) {
+        // Where the device has no accelerometer, this stands in for shaking it.
+        NotificationCenter::defaultCenter().post(Notifications::VelmoraShake);
     } else if (command == QLatin1String("clear-nsurl-cache")) {
         // Transfers here keep no response cache: there is nothing to clear.
         qCInfo(lcApp) << "No URL cache to clear";

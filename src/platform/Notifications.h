@@ -13,4 +13,6 @@ inline const QString RestaurantsLoaded = QStringLiteral("RestaurantsLoaded");
 inline const QString VelmoraReloadInfoScreen = QStringLiteral("VelmoraReloadInfoScreen");
 inline const QString VelmoraUserSubscriptionChanged = QStringLiteral("VelmoraUserSubscriptionChanged");
 inline const QString MyPlacesExplore = QStringLiteral("MyPlacesExplore");
+// A stand-in for shaking the device (the developer tool).
+inline const QString VelmoraShake = QStringLiteral("VelmoraShake");
 }

@@ -1,6 +1,11 @@
 #include "fixtures/DemoWindow.h"
 #include "platform/DefaultKeys.h"
 
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <gtest/gtest.h>
 
 // Catches: a switch, a language row, the developer gesture or the viewer's delete button that
@@ -48,4 +53,27 @@ TEST(SettingsInterface, AFingerTogglesRevealsTheDeveloperToolsAndErasesAKey)
     tap(window, ui.item("deleteDefault-show-closed-places"));
     EXPECT_FALSE(ui.home.defaults().boolForKey(DefaultKeys::showClosedPlaces)) << "back to the registered default";
     EXPECT_TRUE(ui.item("defaultsRow-show-closed-places")) << "a registered default stays listed";
+}
+
+// Catches: a shortcut (the desktop's shake) that shows nothing, a fortune in the wrong language,
+// a second shake that stacks another sheet, and a sheet a tap doesn't close.
+TEST(FortuneInterface, TheShortcutShowsAFortuneAndATapClosesIt)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 0; }, 5000));
+    QTest::keyClick(window, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("fortuneText") && ui.item("fortuneText")->isVisible(); }, 2000));
+    const QString fortune = ui.item("fortuneText")->property("text").toString();
+    EXPECT_FALSE(fortune.isEmpty());
+    QFile resource(QStringLiteral(":/fortunes.json"));
+    ASSERT_TRUE(resource.open(QIODevice::ReadOnly));
+    const QJsonArray sentences = QJsonDocument::fromJson(resource.readAll()).object().value(Localize::currentLanguage()).toArray();
+    EXPECT_TRUE(sentences.contains(fortune)) << fortune.toStdString();
+    QTest::keyClick(window, Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(ui.item("fortuneText")->property("text").toString(), fortune) << "a shake while it shows changes nothing";
+    ui.save("fortune");
+
+    tap(window, ui.item("fortunesView"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->presentedViewController() == nullptr; }, 2000));
 }
