@@ -551,18 +551,6 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>a11y_place_row</source>
         <translation>%1. %2. %3</translation>
     </message>
-    <message id="root_subscribe_heading">
-        <source>root_subscribe_heading</source>
-        <translation>Stay in the know</translation>
-    </message>
-    <message id="root_subscribe_message">
-        <source>root_subscribe_message</source>
-        <translation>Get a text message when new places open in your provinces.</translation>
-    </message>
-    <message id="root_subscribe_not_now">
-        <source>root_subscribe_not_now</source>
-        <translation>Not now</translation>
-    </message>
     <message id="a11y_delete">
         <source>a11y_delete</source>
         <translation>Delete</translation>

@@ -552,18 +552,6 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>a11y_place_row</source>
         <translation>%1. %2. %3</translation>
     </message>
-    <message id="root_subscribe_heading">
-        <source>root_subscribe_heading</source>
-        <translation>Entérate de todo</translation>
-    </message>
-    <message id="root_subscribe_message">
-        <source>root_subscribe_message</source>
-        <translation>Recibe un mensaje de texto cuando abran lugares nuevos en tus provincias.</translation>
-    </message>
-    <message id="root_subscribe_not_now">
-        <source>root_subscribe_not_now</source>
-        <translation>Ahora no</translation>
-    </message>
     <message id="a11y_delete">
         <source>a11y_delete</source>
         <translation>Eliminar</translation>

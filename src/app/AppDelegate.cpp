@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 #include "personal/FortunesViewController.h"
+#include "personal/SubscribeIntroViewController.h"
 #include "platform/ShakeDetector.h"
 #include "presentation/Presentation.h"
 #include "personal/Subscription.h"
@@ -109,8 +110,17 @@ void AppDelegate::showSubscriptionUI()
     const UserDefaults &defaults = UserDefaults::standard();
     if (subscribingPossible() && !defaults.boolForKey(DefaultKeys::subscriptionScreenSeen)
         && !Subscription::isSubscribed(defaults)) {
-        setRoot(QString::fromLatin1(subscribeIntroRoot));
-        return;
+        registerApplicationScenes();
+        auto *intro = qobject_cast<SubscribeIntroViewController *>(
+            Storyboard::instantiate(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-intro"), this));
+        if (intro) {
+            intro->delegate = this;
+            delete m_subscribeNavigation;
+            m_subscribeNavigation = new NavigationController(this);
+            m_subscribeNavigation->setViewControllers({intro}, false);
+            setRoot(QString::fromLatin1(subscribeIntroRoot));
+            return;
+        }
     }
     loadMainUI();
 }
@@ -119,9 +129,9 @@ void AppDelegate::databaseReady() { showSubscriptionUI(); }
 
 void AppDelegate::provinceSelectionDidCancel() { loadMainUI(); }
 
-void AppDelegate::provinceSelectionDidFinish(const QList<int> &provinces)
+void AppDelegate::provinceSelectionDidFinish(const QSet<int> &)
 {
-    UserDefaults::standard().setIntArray(provinces, DefaultKeys::subscriptionProvinces);
+    // The province screen stored what was sent.
     loadMainUI();
 }
 

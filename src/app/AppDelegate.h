@@ -8,6 +8,7 @@
 
 #include "app/SideDrawer.h"
 #include "personal/Fortunes.h"
+#include "personal/SubscribeProvincesDelegate.h"
 #include "presentation/SideMenuPresenter.h"
 #include "walkthrough/WTPage1ViewController.h"
 #include "walkthrough/WalkthroughDelegate.h"
@@ -23,7 +24,7 @@ class ServiceCenter;
 class Downloader;
 class UpdateChecker;
 
-class AppDelegate : public QObject, public SideMenuPresenter, public DatabaseReadyDelegate
+class AppDelegate : public QObject, public SideMenuPresenter, public DatabaseReadyDelegate, public SubscribeProvincesDelegate
 {
     Q_OBJECT
     QML_ELEMENT
@@ -33,6 +34,7 @@ class AppDelegate : public QObject, public SideMenuPresenter, public DatabaseRea
     Q_PROPERTY(QString catalogueVersion READ catalogueVersion NOTIFY rootChanged)
     Q_PROPERTY(SideDrawer *drawer READ drawer NOTIFY rootChanged)
     Q_PROPERTY(WTPage1ViewController *walkthrough READ walkthrough NOTIFY rootChanged)
+    Q_PROPERTY(NavigationController *subscribeNavigation READ subscribeNavigation NOTIFY rootChanged)
 
 public:
     // The roots the window can show.
@@ -60,8 +62,11 @@ public:
     Q_INVOKABLE void showDatabaseUI();
     Q_INVOKABLE void showSubscriptionUI();
     Q_INVOKABLE void databaseReady() override;
-    Q_INVOKABLE void provinceSelectionDidCancel();
-    Q_INVOKABLE void provinceSelectionDidFinish(const QList<int> &provinces);
+    // The first start's invitation ended: on to the main interface either way.
+    Q_INVOKABLE void provinceSelectionDidCancel() override;
+    void provinceSelectionDidFinish(const QSet<int> &provinces) override;
+    // The invitation's own stack, shown while the root is the invitation.
+    NavigationController *subscribeNavigation() const { return m_subscribeNavigation; }
     // A shake of the device (or its stand-ins: the shortcut, the developer tool): a fortune over
     // the main interface.
     Q_INVOKABLE void shaken();
@@ -104,6 +109,7 @@ private:
     bool m_allowRotation = false;
     WTPage1ViewController *m_walkthrough = nullptr;
     NavigationController *m_mainNavigation = nullptr;
+    NavigationController *m_subscribeNavigation = nullptr;
     SideMenuViewController *m_sideMenu = nullptr;
     SideDrawer *m_drawer = nullptr;
     QString m_pendingLink;

@@ -24,7 +24,7 @@ ApplicationWindow {
 
     Loader {
         anchors.fill: parent
-        sourceComponent: window.app.root === "main" ? mainRoot : window.app.root === "walkthrough" ? walkthroughRoot : placeholderRoot
+        sourceComponent: window.app.root === "main" ? mainRoot : window.app.root === "walkthrough" ? walkthroughRoot : subscribeRoot
     }
 
     Component {
@@ -38,12 +38,7 @@ ApplicationWindow {
     }
 
     Component {
-        id: placeholderRoot
-        PlaceholderScreen {
-            heading: qsTrId("root_subscribe_heading")
-            message: qsTrId("root_subscribe_message")
-            actionText: qsTrId("root_subscribe_not_now")
-            onActionTriggered: window.app.provinceSelectionDidCancel()
-        }
+        id: subscribeRoot
+        NavigationView { navigation: window.app.subscribeNavigation }
     }
 }

@@ -12,6 +12,8 @@
 #include "personal/FortunesViewController.h"
 #include "personal/MyPlacesViewController.h"
 #include "personal/SettingsTableViewController.h"
+#include "personal/SubscribeIntroViewController.h"
+#include "personal/SubscribeProvincesViewController.h"
 #include "personal/UserDefaultsTableViewController.h"
 #include "placecard/GalleryViewController.h"
 #include "placecard/LugarTableViewController.h"
@@ -21,21 +23,7 @@
 #include "placecard/SaveToMyPlacesViewController.h"
 #include "platform/Paths.h"
 #include "platform/UserDefaults.h"
-#include "presentation/PlaceholderViewController.h"
 #include "presentation/Storyboard.h"
-
-namespace {
-
-// A screen still to come: its title and one translated note that it is on its way.
-void placeholder(const char *storyboard, const char *identifier, const char *titleKey, PlaceholderViewController::Place place)
-{
-    Storyboard::registerScene(QString::fromLatin1(storyboard), QString::fromLatin1(identifier),
-                              [=](QObject *parent) -> ViewController * {
-                                  return new PlaceholderViewController(titleKey, QT_TRID_NOOP("placeholder_on_its_way"), place, parent);
-                              });
-}
-
-}
 
 void registerApplicationScenes()
 {
@@ -96,6 +84,10 @@ void registerApplicationScenes()
     Storyboard::registerScene(QStringLiteral("Main"), QStringLiteral("fortunes-view-controller"),
                               [](QObject *parent) -> ViewController * { return new FortunesViewController(parent); });
 
-    using Place = PlaceholderViewController::Place;
-    placeholder("Walkthrough", "subscribe-intro", "notifications_receive_more_info", Place::Presented);
+    Storyboard::registerScene(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-intro"), [](QObject *parent) -> ViewController * {
+        return new SubscribeIntroViewController(Restaurants::shared(), UserDefaults::standard(), parent);
+    });
+    Storyboard::registerScene(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-provinces"), [](QObject *parent) -> ViewController * {
+        return new SubscribeProvincesViewController(Restaurants::shared(), UserDefaults::standard(), parent);
+    });
 }

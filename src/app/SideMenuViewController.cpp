@@ -1,5 +1,6 @@
 #include "SideMenuViewController.h"
 
+#include "personal/SubscribeIntroViewController.h"
 #include "personal/Subscription.h"
 #include "catalogue/Restaurants.h"
 #include "app/AppDelegate.h"
@@ -54,12 +55,26 @@ void SideMenuViewController::moreInfoTouched()
     if (!m_contentController)
         return;
     // Over the whole window, not inside the content the open drawer has pushed aside.
-    if (ViewController *intro = Storyboard::instantiate(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-intro"), this)) {
+    if (auto *intro = qobject_cast<SubscribeIntroViewController *>(
+            Storyboard::instantiate(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-intro"), this))) {
+        intro->delegate = this;
         if (m_drawer)
             m_drawer->hideMenuAnimated(false);
         m_contentController->presentViewController(intro, true);
     }
 }
+
+void SideMenuViewController::provinceSelectionDidCancel()
+{
+    if (!m_contentController)
+        return;
+    if (m_contentController->presentedViewController())
+        m_contentController->dismissViewController(true);
+    else
+        m_contentController->popViewController(true);
+}
+
+void SideMenuViewController::provinceSelectionDidFinish(const QSet<int> &) { provinceSelectionDidCancel(); }
 
 ViewController *SideMenuViewController::lazily(QPointer<ViewController> &field, const char *storyboard, const char *identifier)
 {

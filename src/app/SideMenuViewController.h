@@ -7,11 +7,12 @@
 #include <QtQml/qqmlregistration.h>
 
 #include "app/SideDrawer.h"
+#include "personal/SubscribeProvincesDelegate.h"
 
 // The side menu: its table of top-level screens, each built on first use and kept for good, and
 // the button that invites to the SMS subscription. Choosing a screen puts it on the content's
 // stack above the search screen and closes the drawer.
-class SideMenuViewController : public QObject
+class SideMenuViewController : public QObject, public SubscribeProvincesDelegate
 {
     Q_OBJECT
     QML_ELEMENT
@@ -39,6 +40,9 @@ public:
     void goToDiscover();
     void updateMoreInfoButton();
     Q_INVOKABLE void moreInfoTouched();
+    // The invitation opened from the menu ended: its sheet or the province screen goes.
+    void provinceSelectionDidCancel() override;
+    void provinceSelectionDidFinish(const QSet<int> &provinces) override;
 
     ViewController *mapViewController();
     ViewController *myPlacesViewController();

@@ -638,6 +638,9 @@ void Restaurants::setLanguage(const QString &language)
         QMutexLocker lock(&m_mutex);
         m_lang = language;
     }
+    // Briefs keep their cuisines' names in the language they were read in: after a switch
+    // nothing on screen may stay in the old one.
+    m_briefCache.clear();
     applyTablesLanguage();
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/LanguageSwitch.h"
 #include "catalogue/Restaurants.h"
+#include "personal/SubscribeProvincesViewController.h"
 #include "personal/Subscription.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Localize.h"
@@ -162,9 +163,13 @@ void SettingsTableViewController::didSelectRow(int index)
         }
         break;
     case Kind::subscribed:
-        if (NavigationController *navigation = navigationController())
-            if (ViewController *provinces = Storyboard::instantiate(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-provinces"), this))
+        if (NavigationController *navigation = navigationController()) {
+            if (auto *provinces = qobject_cast<SubscribeProvincesViewController *>(
+                    Storyboard::instantiate(QStringLiteral("Walkthrough"), QStringLiteral("subscribe-provinces"), this))) {
+                provinces->delegate = this;
                 navigation->pushViewController(provinces, true);
+            }
+        }
         break;
     case Kind::action: runCommand(row.value); break;
     case Kind::header:
@@ -218,6 +223,14 @@ void SettingsTableViewController::confirmDelete(bool confirmed)
     if (confirmed)
         m_restaurants.deleteDatabaseFile();
 }
+
+void SettingsTableViewController::provinceSelectionDidCancel()
+{
+    if (NavigationController *navigation = navigationController())
+        navigation->popViewController(true);
+}
+
+void SettingsTableViewController::provinceSelectionDidFinish(const QSet<int> &) { provinceSelectionDidCancel(); }
 
 void SettingsTableViewController::showMenu()
 {

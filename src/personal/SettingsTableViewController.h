@@ -1,5 +1,6 @@
 #pragma once
 
+#include "personal/SubscribeProvincesDelegate.h"
 #include "presentation/ViewController.h"
 
 #include <QVariantList>
@@ -10,7 +11,7 @@ class UserDefaults;
 // The settings: the interface's language, the SMS subscription (when it is offered), whether
 // closed places are listed, analytics. Ten taps in a row on the language already chosen show or
 // hide the developer section, with its switches and tools.
-class SettingsTableViewController : public ViewController
+class SettingsTableViewController : public ViewController, public SubscribeProvincesDelegate
 {
     Q_OBJECT
     QML_ELEMENT
@@ -47,6 +48,9 @@ public:
     void showMenu();
 
     void viewWillAppear() override;
+    // The province screen pushed from here ends either way by going.
+    void provinceSelectionDidCancel() override;
+    void provinceSelectionDidFinish(const QSet<int> &provinces) override;
 
 signals:
     void rowsChanged();

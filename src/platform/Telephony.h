@@ -6,7 +6,8 @@
 #include <optional>
 
 // What the phone service of the device tells: the country code of the SIM's carrier and whether
-// text messages can be sent. A desktop has no SIM; tests install a double that has one.
+// text messages can be sent. A desktop has no SIM, and can text when it has an application for
+// "sms:" links; tests install a double with a SIM.
 class Telephony
 {
 public:

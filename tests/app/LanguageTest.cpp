@@ -113,11 +113,14 @@ TEST(Language, CatalogueSwitchesBeforeTheInterfaceAnnounces)
 
     QObject observer;
     QStringList seen;
+    EXPECT_EQ(restaurants.brief(100)->cuisines, (QStringList{QStringLiteral("Criolla"), QStringLiteral("Mariscos")}));
     NotificationCenter::defaultCenter().addObserver(&observer, Localize::changeNotification, [&](const QVariant &) {
-        seen << restaurants.province(1)->name << *restaurants.price_ranks().name(2) << qtTrId("search_places");
+        seen << restaurants.province(1)->name << *restaurants.price_ranks().name(2) << qtTrId("search_places")
+             << restaurants.brief(100)->cuisines; // a brief read before the switch isn't served in the old language
     });
     switchLanguage(restaurants, QStringLiteral("en"));
-    EXPECT_EQ(seen, (QStringList{QStringLiteral("Havana"), QStringLiteral("Budget"), QStringLiteral("Places")}));
+    EXPECT_EQ(seen, (QStringList{QStringLiteral("Havana"), QStringLiteral("Budget"), QStringLiteral("Places"), QStringLiteral("Creole"),
+                                 QStringLiteral("Seafood")}));
     switchLanguage(restaurants, QStringLiteral("en"));
-    EXPECT_EQ(seen.size(), 3);
+    EXPECT_EQ(seen.size(), 5);
 }

@@ -1,5 +1,7 @@
 #include "fixtures/DemoWindow.h"
 #include "platform/DefaultKeys.h"
+#include "platform/Telephony.h"
+#include "presentation/MessageComposer.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -76,4 +78,42 @@ TEST(FortuneInterface, TheShortcutShowsAFortuneAndATapClosesIt)
 
     tap(window, ui.item("fortunesView"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->presentedViewController() == nullptr; }, 2000));
+}
+
+// Catches: an invitation, province row or finish button that works only when its controller is
+// called, and a first start that stays on the invitation after the message went.
+TEST(SubscriptionInterface, TheInvitationLeadsToTheProvincesAndAMessageSent)
+{
+    struct Phone : Telephony {
+        std::optional<QString> mobileCountryCode() const override { return QStringLiteral("368"); }
+        bool canSendText() const override { return true; }
+    };
+    Telephony::install(std::make_unique<Phone>());
+    QStringList bodies;
+    MessageComposer::setSheet([&](const QString &, const QString &body, std::function<void(MessageComposer::Result)> done) {
+        bodies.append(body);
+        done(MessageComposer::Result::sent);
+    });
+    {
+        DemoWindow ui;
+        QQuickWindow *window = ui.window->window();
+        ASSERT_EQ(ui.delegate.root(), QLatin1String(AppDelegate::subscribeIntroRoot));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("yeahSureButton") && ui.item("yeahSureButton")->isVisible(); }, 3000));
+        ui.save("subscribe-intro");
+        tap(window, ui.item("yeahSureButton"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("provinceRow-3") && ui.item("provinceRow-3")->isVisible(); }, 3000));
+        QTest::qWait(500); // the push
+        tap(window, ui.item("provinceRow-3"));
+        tap(window, ui.item("provinceRow-1"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("finishButton")->isVisible() && ui.item("finishButton")->y() < window->height() - 70; }, 2000));
+        QTest::qWait(300);
+        ui.save("subscribe-provinces");
+        tap(window, ui.item("finishButton"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.root() == QLatin1String(AppDelegate::mainRoot); }, 3000));
+        EXPECT_EQ(bodies, QStringList{qtTrId("subscribe_sms_body_intro") + QStringLiteral(" &&0&1-3")});
+        EXPECT_EQ(ui.home.defaults().intArrayForKey(DefaultKeys::subscriptionProvinces), (QList<int>{1, 3}));
+        EXPECT_TRUE(ui.home.defaults().boolForKey(DefaultKeys::subscriptionScreenSeen));
+    }
+    MessageComposer::setSheet(nullptr);
+    Telephony::install(nullptr);
 }
