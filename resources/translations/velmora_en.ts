@@ -807,5 +807,9 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>device_computer</source>
         <translation>computer</translation>
     </message>
+    <message id="settings_dev_reload">
+        <source>settings_dev_reload</source>
+        <translation>Reload Database</translation>
+    </message>
 </context>
 </TS>

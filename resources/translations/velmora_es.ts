@@ -808,5 +808,9 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>device_computer</source>
         <translation>ordenador</translation>
     </message>
+    <message id="settings_dev_reload">
+        <source>settings_dev_reload</source>
+        <translation>Reload Database</translation>
+    </message>
 </context>
 </TS>

@@ -29,7 +29,7 @@ const std::pair<const char *, const QString *> developerToggles[] = {
     {"settings_dev_keep_old_dbs", &DefaultKeys::devKeepOldDbs},
     {"settings_dev_enable_subscribe", &DefaultKeys::devEnableSubscribe},
 };
-const char *developerCommands[] = {"user-defaults", "build-fts-index", "clear-nsurl-cache", "shake", "delete-database"};
+const char *developerCommands[] = {"user-defaults", "build-fts-index", "reload-database", "clear-nsurl-cache", "shake", "delete-database"};
 
 const QString reuseIdentifier(Kind kind)
 {
@@ -124,7 +124,8 @@ QVariantList SettingsTableViewController::rows() const
                                                                 {QStringLiteral("user-defaults"), "settings_dev_user_defaults"},
                                                                 {QStringLiteral("build-fts-index"), "settings_dev_build_fts"},
                                                                 {QStringLiteral("clear-nsurl-cache"), "settings_dev_clear_cache"},
-                                                                {QStringLiteral("shake"), "settings_dev_shake"}};
+                                                                {QStringLiteral("shake"), "settings_dev_shake"},
+                                                                {QStringLiteral("reload-database"), "settings_dev_reload"}};
             const char *title = titles.value(row.value, "settings_dev_unknown");
             cell.insert(QStringLiteral("title"), qtTrId(title));
             const bool red = row.value == QLatin1String("delete-database") || !titles.contains(row.value);
@@ -207,6 +208,8 @@ void SettingsTableViewController::runCommand(const QString &command)
                 navigation->pushViewController(viewer, true);
     } else if (command == QLatin1String("build-fts-index")) {
         m_restaurants.openSearchIndex(true);
+    } else if (command == QLatin1String("reload-database")) {
+        m_restaurants.reload();
     } else if (command == QLatin1String("shake")) {
         // Where the device has no accelerometer, this stands in for shaking it.
         NotificationCenter::defaultCenter().post(Notifications::VelmoraShake);

@@ -8,6 +8,8 @@
 #include <QJsonObject>
 #include <QSettings>
 
+#include <optional>
+
 namespace {
 std::unique_ptr<UserDefaults> standardDefaults;
 std::mutex standardMutex;
@@ -90,9 +92,51 @@ QVariant UserDefaults::objectForKey(const QString &key) const
     return m_registered.value(key);
 }
 
-bool UserDefaults::boolForKey(const QString &key) const { return objectForKey(key).toBool(); }
-int UserDefaults::integerForKey(const QString &key) const { return objectForKey(key).toInt(); }
-double UserDefaults::doubleForKey(const QString &key) const { return objectForKey(key).toDouble(); }
+namespace {
+// A stored value read as a bool: the store writes bools as text, so "true"/"false" and numbers
+// count; anything else is of the wrong type.
+std::optional<bool> asBool(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::Bool)
+        return value.toBool();
+    const QString text = value.toString().trimmed().toLower();
+    if (text == QLatin1String("true") || text == QLatin1String("1"))
+        return true;
+    if (text == QLatin1String("false") || text == QLatin1String("0"))
+        return false;
+    return std::nullopt;
+}
+}
+
+// A value of the wrong type for what is asked reads as the registered default, as if the key
+// held nothing: a damaged or hand-edited store never turns a switch on by accident.
+bool UserDefaults::boolForKey(const QString &key) const
+{
+    if (const std::optional<bool> value = asBool(objectForKey(key)))
+        return *value;
+    QMutexLocker lock(&m_mutex);
+    return asBool(m_registered.value(key)).value_or(false);
+}
+
+int UserDefaults::integerForKey(const QString &key) const
+{
+    bool ok = false;
+    const int value = objectForKey(key).toInt(&ok);
+    if (ok)
+        return value;
+    QMutexLocker lock(&m_mutex);
+    return m_registered.value(key).toInt();
+}
+
+double UserDefaults::doubleForKey(const QString &key) const
+{
+    bool ok = false;
+    const double value = objectForKey(key).toDouble(&ok);
+    if (ok)
+        return value;
+    QMutexLocker lock(&m_mutex);
+    return m_registered.value(key).toDouble();
+}
 
 QString UserDefaults::stringForKey(const QString &key) const
 {

@@ -2,6 +2,7 @@
 #include "platform/UserDefaults.h"
 
 #include <QSignalSpy>
+#include <QSettings>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -41,6 +42,26 @@ TEST(UserDefaults, LayersResolveForcedThenStoredThenRegistered)
     const QVariantMap all = reopened.dictionaryRepresentation();
     EXPECT_TRUE(all.value(DefaultKeys::showClosedPlaces).toBool());
     EXPECT_EQ(all.value(DefaultKeys::province).toInt(), 1);
+}
+
+// Catches: a hand-edited or damaged store whose wrong-typed values turn a switch on or a
+// province into 0, instead of reading as the registered default.
+TEST(UserDefaults, WrongTypesReadAsTheDefault)
+{
+    QTemporaryDir dir;
+    {
+        QSettings file(dir.filePath(QStringLiteral("store.ini")), QSettings::IniFormat);
+        file.setValue(DefaultKeys::showClosedPlaces, QStringLiteral("maybe"));
+        file.setValue(DefaultKeys::enableAnalytics, QStringLiteral("true"));
+        file.setValue(DefaultKeys::province, QStringLiteral("Havana"));
+        file.setValue(DefaultKeys::developerModeEnabled, QVariantList{1, 2});
+    }
+    UserDefaults defaults(dir.filePath(QStringLiteral("store.ini")));
+    defaults.registerDefaults({{DefaultKeys::showClosedPlaces, false}, {DefaultKeys::province, 1}, {DefaultKeys::developerModeEnabled, false}});
+    EXPECT_FALSE(defaults.boolForKey(DefaultKeys::showClosedPlaces));
+    EXPECT_TRUE(defaults.boolForKey(DefaultKeys::enableAnalytics)) << "the store's own text for true";
+    EXPECT_EQ(defaults.integerForKey(DefaultKeys::province), 1);
+    EXPECT_FALSE(defaults.boolForKey(DefaultKeys::developerModeEnabled));
 }
 
 // Catches: lists of one id coming back as a plain value, dictionaries or dates losing their
