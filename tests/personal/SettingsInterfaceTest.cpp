@@ -1,3 +1,4 @@
+#include "app/SideMenuViewController.h"
 #include "fixtures/DemoWindow.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Telephony.h"
@@ -113,6 +114,43 @@ TEST(SubscriptionInterface, TheInvitationLeadsToTheProvincesAndAMessageSent)
         EXPECT_EQ(bodies, QStringList{qtTrId("subscribe_sms_body_intro") + QStringLiteral(" &&0&1-3")});
         EXPECT_EQ(ui.home.defaults().intArrayForKey(DefaultKeys::subscriptionProvinces), (QList<int>{1, 3}));
         EXPECT_TRUE(ui.home.defaults().boolForKey(DefaultKeys::subscriptionScreenSeen));
+    }
+    MessageComposer::setSheet(nullptr);
+    Telephony::install(nullptr);
+}
+
+// Catches: the menu's invitation that can't lead on to the provinces from its sheet, and a
+// finished choice that leaves the province screen on the stack or the invitation in the menu.
+TEST(SubscriptionInterface, TheMenusInvitationSubscribesAndGoesBack)
+{
+    struct Phone : Telephony {
+        bool canSendText() const override { return true; }
+    };
+    Telephony::install(std::make_unique<Phone>());
+    MessageComposer::setSheet([](const QString &, const QString &, std::function<void(MessageComposer::Result)> done) {
+        done(MessageComposer::Result::sent);
+    });
+    {
+        DemoWindow ui({DefaultKeys::devEnableSubscribe, DefaultKeys::subscriptionScreenSeen});
+        QQuickWindow *window = ui.window->window();
+        ASSERT_EQ(ui.delegate.root(), QLatin1String(AppDelegate::mainRoot));
+        tap(window, ui.item("barButton-menu"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("moreInfoButton") && ui.item("moreInfoButton")->isVisible(); }, 2000));
+        QTest::qWait(400);
+        tap(window, ui.item("moreInfoButton"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("yeahSureButton") && ui.item("yeahSureButton")->isVisible(); }, 2000));
+        QTest::qWait(400);
+        tap(window, ui.item("yeahSureButton"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("provinceRow-2") && ui.item("provinceRow-2")->isVisible(); }, 3000));
+        EXPECT_EQ(ui.delegate.mainNavigation()->presentedViewController(), nullptr);
+        QTest::qWait(500);
+        tap(window, ui.item("provinceRow-2"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("finishButton")->isVisible() && ui.item("finishButton")->y() < window->height() - 70; }, 2000));
+        QTest::qWait(300);
+        tap(window, ui.item("finishButton"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("subscribeProvincesView") == nullptr; }, 3000));
+        EXPECT_EQ(ui.home.defaults().intArrayForKey(DefaultKeys::subscriptionProvinces), QList<int>{2});
+        EXPECT_TRUE(ui.delegate.sideMenu()->moreInfoButtonHidden());
     }
     MessageComposer::setSheet(nullptr);
     Telephony::install(nullptr);
