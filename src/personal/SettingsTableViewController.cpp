@@ -1,6 +1,6 @@
 #include "personal/SettingsTableViewController.h"
 
-#include "app/LanguageSwitch.h"
+#include "catalogue/LanguageSwitch.h"
 #include "catalogue/Restaurants.h"
 #include "personal/SubscribeProvincesViewController.h"
 #include "personal/Subscription.h"

@@ -1,5 +1,5 @@
 #include "presentation/Globals.h"
-#include "app/LanguageSwitch.h"
+#include "catalogue/LanguageSwitch.h"
 #include "fixtures/TestHome.h"
 #include "platform/Localize.h"
 #include "platform/NotificationCenter.h"

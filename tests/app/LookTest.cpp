@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
 #include "presentation/Globals.h"
-#include "app/LanguageSwitch.h"
+#include "catalogue/LanguageSwitch.h"
 #include "fixtures/QuickItems.h"
 #include "fixtures/TestHome.h"
 #include "platform/Localize.h"

@@ -1,4 +1,4 @@
-#include "app/LanguageSwitch.h"
+#include "catalogue/LanguageSwitch.h"
 
 #include "catalogue/Restaurants.h"
 #include "platform/Localize.h"
