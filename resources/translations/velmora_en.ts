@@ -563,10 +563,6 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>a11y_out_of_service</source>
         <translation>Out of service</translation>
     </message>
-    <message id="placeholder_on_its_way">
-        <source>placeholder_on_its_way</source>
-        <translation>This part of Velmora is on its way.</translation>
-    </message>
     <message id="a11y_province_list">
         <source>a11y_province_list</source>
         <translation>Provinces</translation>

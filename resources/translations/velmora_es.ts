@@ -564,10 +564,6 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>a11y_out_of_service</source>
         <translation>Fuera de servicio</translation>
     </message>
-    <message id="placeholder_on_its_way">
-        <source>placeholder_on_its_way</source>
-        <translation>Esta parte de Velmora está en camino.</translation>
-    </message>
     <message id="a11y_province_list">
         <source>a11y_province_list</source>
         <translation>Provincias</translation>

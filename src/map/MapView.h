@@ -108,8 +108,9 @@ public:
     // Renders what the next frame shows into a picture, without a window (benchmarks, tests).
     QImage renderPins(qreal devicePixelRatio = 1.0);
 
-    // Synthetic gestures with a finger's effects, for the platform's own pinch and for tests.
-    Q_INVOKABLE void zoomAt(const QPointF &point, double zoomDelta);
+    // Zooms by `zoomDelta` levels keeping the world point under `point` where it is (the wheel's
+    // and the pinch's zoom).
+    void zoomAt(const QPointF &point, double zoomDelta);
 
 signals:
     void cameraChanged();

@@ -7,7 +7,6 @@
 #include "platform/Localize.h"
 #include "platform/NotificationCenter.h"
 #include "presentation/BarButtonItem.h"
-#include "presentation/NavigationController.h"
 #include "presentation/SideMenuPresenter.h"
 #include "richtext/IconFont.h"
 
@@ -57,7 +56,6 @@ QQuickItem *MapViewController::mapViewItem() const { return m_mapView.data(); }
 
 void MapViewController::viewDidLoad()
 {
-    PositionerService::sharedInstance().setDelegate(this);
     if (globalMap()) {
         auto *menu = new BarButtonItem(QStringLiteral("menu"), IconFont::drawer, BarButtonItem::iconFont(18), this);
         connect(menu, &BarButtonItem::triggered, this, &MapViewController::showMenu);
@@ -281,10 +279,4 @@ void MapViewController::showMenu()
 {
     if (SideMenuPresenter *presenter = SideMenuPresenter::shared())
         presenter->showSideMenu(true);
-}
-
-void MapViewController::close()
-{
-    if (NavigationController *navigation = navigationController())
-        navigation->popViewController(true);
 }

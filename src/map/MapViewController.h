@@ -37,7 +37,6 @@ public:
     MapView *mapView() const { return m_mapView; }
     bool loading() const { return m_loading; }
     LocationState locationState() const { return MapViewWrapper::shared().locationState; }
-    std::optional<CoordinateRegion> lastRegion() const { return m_lastRegion; }
     std::optional<int> selectedPinId() const { return m_selectedPinId; }
     BarButtonItem *locationButton() const;
 
@@ -51,7 +50,6 @@ public:
     void centerAndZoomTo(const std::optional<GeoLocation> &location);
     void selectAnnotation(std::optional<int> identifier);
     void showMenu();
-    void close();
 
     void mapViewDidSelectAnnotation(int identifier) override;
     void mapViewDidTapAtCoordinate(double latitude, double longitude) override;
