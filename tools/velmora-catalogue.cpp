@@ -20,6 +20,7 @@
 #include <QLoggingCategory>
 #include <QTextStream>
 
+#include "toolkit/HitCollector.h"
 #include "toolkit/UpdateServer.h"
 
 #include <QSysInfo>
@@ -42,6 +43,8 @@ const char usage[] = R"(usage:
                                     [--price ID]... [--show-closed]
   velmora-catalogue query FILE place ID
   velmora-catalogue basemap -o FILE.mbtiles [--max-zoom Z] [--resolution c|l|i|h|f]
+  velmora-catalogue collect --db FILE [--port N]
+  velmora-catalogue hits FILE
 )";
 
 int fail(const QString &message)
@@ -211,6 +214,38 @@ int serve(const QStringList &arguments)
     return QCoreApplication::exec();
 }
 
+// Receives the app's analytics on /collect and /batch until stopped, keeping each hit in FILE.
+int collect(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("--port"), QStringLiteral("--db")}, {});
+    bool portOk = true;
+    const int port = args.options.contains(QStringLiteral("--port")) ? args.value(QStringLiteral("--port")).toInt(&portOk) : 0;
+    if (!args.error.isEmpty() || !args.positional.isEmpty() || args.value(QStringLiteral("--db")).isEmpty() || !portOk || port < 0
+        || port > 65535)
+        return fail(args.error.isEmpty() ? QStringLiteral("collect --db FILE [--port N]") : args.error);
+    HitCollector collector(args.value(QStringLiteral("--db")));
+    QString error;
+    if (!collector.open(&error))
+        return fail(error);
+    const quint16 listening = collector.listen(QHostAddress::Any, quint16(port), &error);
+    if (!listening)
+        return fail(error);
+    QTextStream(stdout) << "collecting into " << QFileInfo(args.value(QStringLiteral("--db"))).absoluteFilePath() << " on port "
+                        << listening << Qt::endl;
+    return QCoreApplication::exec();
+}
+
+int hits(const QStringList &arguments)
+{
+    if (arguments.size() != 1 || arguments.first().startsWith(QLatin1Char('-')))
+        return fail(QStringLiteral("hits FILE"));
+    QJsonObject summary;
+    QString error;
+    if (!HitCollector::summary(arguments.first(), summary, &error))
+        return fail(error);
+    return report(summary);
+}
+
 int query(const QStringList &arguments)
 {
     if (arguments.size() < 2)
@@ -310,7 +345,8 @@ int main(int argc, char *argv[])
                                       QStringLiteral("--price"), QStringLiteral("--province"), QStringLiteral("--seed"),
                                       QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to"),
                                       QStringLiteral("--port"), QStringLiteral("--name"), QStringLiteral("--priority"),
-                                      QStringLiteral("--advertise"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution")};
+                                      QStringLiteral("--advertise"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution"),
+                                      QStringLiteral("--db")};
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         const bool valueOfText = i > 0 && arguments.at(i - 1) == QLatin1String("--text");
@@ -338,6 +374,10 @@ int main(int argc, char *argv[])
         return query(rest);
     if (command == QLatin1String("basemap"))
         return basemap(rest);
+    if (command == QLatin1String("collect"))
+        return collect(rest);
+    if (command == QLatin1String("hits"))
+        return hits(rest);
     // No command prints the usage; an unknown one is refused with it.
     std::fputs(usage, command.isEmpty() ? stdout : stderr);
     return command.isEmpty() ? 0 : 2;

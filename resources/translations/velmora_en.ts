@@ -462,6 +462,8 @@
   --update-now        fetch and install a newer catalogue (a patch, else the whole
                       file), printing progress and a JSON result, quit (no window)
   --update-url URL    where the update information is (default: the setting update-url)
+  --analytics-url URL where usage reports go, when the user allows them (default: the
+                      setting analytics-url)
   --position-log FILE replay the user's position from an NMEA log (instead of the
                       device's own source)
   --version           print the version and quit

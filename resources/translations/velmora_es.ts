@@ -463,6 +463,8 @@
                       el archivo entero), imprime el progreso y un resultado JSON,
                       y sale (sin ventana)
   --update-url URL    dónde está la información de actualización (por omisión: el ajuste update-url)
+  --analytics-url URL adónde van los informes de uso, si el usuario los permite (por
+                      omisión: el ajuste analytics-url)
   --position-log FICHERO reproduce la posición del usuario desde un registro NMEA
                       (en lugar de la fuente del dispositivo)
   --version           imprime la versión y sale

@@ -1,4 +1,7 @@
 #include "app/AppDelegate.h"
+#include "analytics/BatchingDispatcher.h"
+#include "analytics/Events.h"
+#include "analytics/Measurement.h"
 #include "personal/FortunesViewController.h"
 #include "personal/SubscribeIntroViewController.h"
 #include "platform/ShakeDetector.h"
@@ -30,6 +33,7 @@
 #include "platform/UserDefaults.h"
 
 #include <QDateTime>
+#include <QGuiApplication>
 #include <QSysInfo>
 #include <QPointer>
 
@@ -63,9 +67,23 @@ bool AppDelegate::didFinishLaunching()
     UserDefaults &defaults = UserDefaults::standard();
     defaults.registerDefaultsFromFile(QStringLiteral(":/Defaults.json"));
 
-    // Analytics stays opted out unless the user allowed it; the pipeline reads this setting.
+    // Analytics: a configuration that can't work leaves the tracker dropping what it gets, which
+    // costs the app nothing. Nothing is reported unless the user allowed it.
+    QString analyticsError;
+    if (!MeasurementContext::sharedInstance().configureWithError(&analyticsError))
+        qCInfo(lcApp) << "Analytics not started:" << analyticsError;
+    Measurement &measurement = Measurement::sharedInstance();
+    measurement.setTrackUncaughtExceptions(true);
     if (!defaults.boolForKey(DefaultKeys::enableAnalytics))
-        qCInfo(lcApp) << "Analytics opted out";
+        measurement.setOptOut(true);
+    // Going to the background sends what waits; ending waits briefly for the answer, so the last
+    // minutes of use aren't held until the next start.
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationSuspended || state == Qt::ApplicationHidden)
+            if (BatchingDispatcher *dispatcher = Measurement::sharedInstance().dispatcher())
+                dispatcher->dispatch();
+    });
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [] { Measurement::sharedInstance().dispatchAndWait(1500); });
 
     // The interface runs in Spanish only where the device prefers Spanish; the catalogue keeps
     // the language it read at construction until the next change.
@@ -178,6 +196,7 @@ void AppDelegate::followPendingLink()
 
 void AppDelegate::showSideMenu(bool animated)
 {
+    Events::openedSideMenu();
     if (m_drawer)
         m_drawer->showMenuAnimated(animated);
 }

@@ -59,6 +59,9 @@ LaunchOptions LaunchOptions::parse(const QStringList &arguments)
         } else if (argument == QLatin1String("--update-url")) {
             if (!value(options.updateUrl) || !QUrl(options.updateUrl, QUrl::StrictMode).isValid())
                 return refuse(QStringLiteral("--update-url needs a URL"));
+        } else if (argument == QLatin1String("--analytics-url")) {
+            if (!value(options.analyticsUrl) || !QUrl(options.analyticsUrl, QUrl::StrictMode).isValid())
+                return refuse(QStringLiteral("--analytics-url needs a URL"));
         } else if (argument == QLatin1String("--position-log")) {
             if (!value(options.positionLog))
                 return refuse(QStringLiteral("--position-log needs an NMEA file"));

@@ -18,6 +18,7 @@ struct LaunchOptions {
     QString updateUrl;      // --update-url URL: the Internet endpoint of update information
     bool checkUpdates = false; // --check-updates: ask every source, print JSON, quit (no window)
     bool updateNow = false;    // --update-now: fetch and install a newer catalogue, print JSON, quit
+    QString analyticsUrl;      // --analytics-url URL: the measurement service (a collector of one's own)
     QString positionLog;       // --position-log FILE.nmea: the user's position replayed from a log
 
     bool reportsAndQuits() const { return selfTest || dumpUi || !screenshot.isEmpty(); }

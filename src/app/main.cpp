@@ -1,3 +1,4 @@
+#include "analytics/Measurement.h"
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
 #include "app/LaunchOptions.h"
@@ -56,6 +57,8 @@ int main(int argc, char *argv[])
 
     if (!options.updateUrl.isEmpty())
         UpdateChecker::setInternetURLOverride(QUrl(options.updateUrl));
+    if (!options.analyticsUrl.isEmpty())
+        MeasurementContext::setEndpointOverride(QUrl(options.analyticsUrl));
     if (!options.positionLog.isEmpty())
         PositionerService::useLog(options.positionLog);
     if (options.checkUpdates || options.updateNow) {

@@ -1,4 +1,5 @@
 #include "DescubreTableViewController.h"
+#include "analytics/Events.h"
 
 #include "presentation/AdActions.h"
 #include "placecard/PlaceCards.h"
@@ -86,8 +87,17 @@ void DescubreTableViewController::didSelectRow(int row)
         return;
     const DiscoverRow &tapped = m_rows.at(row);
     if (tapped.kind == DiscoverRow::Kind::promo) {
+        Events::tappedPromo();
         showPlaceCard(navigationController(), m_restaurants, m_promos.at(tapped.index).rid, this, true);
         return;
     }
+    // The feed reports an ad by its ad_id; the card and more-info screens by its picture's id.
+    Events::adAction(Events::AdPlacement::DiscoverFeed, m_ads.at(tapped.index).ad_id);
     AdActions::performAdAction(m_ads.at(tapped.index), [this](const QString &tip) { emit tipRequested(tip); });
+}
+
+void DescubreTableViewController::rowConfigured(int row)
+{
+    if (row >= 0 && row < m_rows.size() && m_rows.at(row).kind == DiscoverRow::Kind::ad)
+        Events::adShown(Events::AdPlacement::DiscoverFeed, m_ads.at(m_rows.at(row).index).ad_id);
 }

@@ -44,6 +44,8 @@ public:
     QVariantList rows() const { return m_items; }
     void reload();
     Q_INVOKABLE void didSelectRow(int row);
+    // A row's cell was made (again, when scrolled back): an ad's showing counts each time.
+    Q_INVOKABLE void rowConfigured(int row);
 
 signals:
     void rowsChanged();

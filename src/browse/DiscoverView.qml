@@ -86,6 +86,7 @@ Rectangle {
                 }
             }
             MouseArea { anchors.fill: parent; onClicked: root.controller.didSelectRow(row.index) }
+            Component.onCompleted: root.controller.rowConfigured(row.index)
         }
     }
 }

@@ -1,4 +1,5 @@
 #include "LugaresTableViewController.h"
+#include "analytics/Events.h"
 
 #include "placecard/PlaceCards.h"
 #include "platform/DefaultKeys.h"
@@ -381,6 +382,7 @@ void LugaresTableViewController::deleteRow(int row)
 
 void LugaresTableViewController::swipeWillBegin(int)
 {
+    Events::swipedPlaceCell();
     ++m_swipedCells;
     hideSectionIndex();
 }
@@ -408,6 +410,7 @@ void LugaresTableViewController::didSelectRow(int row)
 {
     if (m_customEditing)
         return; // no selection while editing
+    Events::tappedPlace();
     showPlace(m_rows->idAt(row), true);
 }
 

@@ -1,4 +1,5 @@
 #include "OfertasTableViewController.h"
+#include "analytics/Events.h"
 
 #include "placecard/PlaceCards.h"
 #include "catalogue/Restaurants.h"
@@ -115,6 +116,7 @@ void OfertasTableViewController::didSelectRow(int row)
         auto *place = new OfertasTableViewController(m_restaurants, parent() ? parent() : this);
         place->rid = item.value(QStringLiteral("rid")).toInt();
         navigation->pushViewController(place, true);
+        Events::tappedOffer();
     } else if (restaurantMode() && kind == QLatin1String("card") && !inertRestCard) {
         showPlaceCard(navigation, m_restaurants, rid, this, true);
     }

@@ -1,3 +1,4 @@
+#include "analytics/Measurement.h"
 #include "personal/SettingsTableViewController.h"
 
 #include "catalogue/LanguageSwitch.h"
@@ -194,7 +195,7 @@ void SettingsTableViewController::toggleChanged(int index, bool on)
     else if (key == DefaultKeys::showClosedPlaces)
         center.post(Notifications::VelmoraReloadRestaurants);
     else if (key == DefaultKeys::enableAnalytics)
-        qCInfo(lcApp) << (on ? "Analytics opted in" : "Analytics opted out");
+        Measurement::sharedInstance().setOptOut(!on);
 }
 
 void SettingsTableViewController::runCommand(const QString &command)

@@ -8,6 +8,8 @@ Item {
     required property string source
     required property string badge
     signal tapped()
+    signal built()
+    Component.onCompleted: built()
 
     height: picture.status === Image.Ready ? picture.paintedHeight + 24 : 0
     visible: height > 0

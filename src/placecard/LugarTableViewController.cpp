@@ -1,4 +1,5 @@
 #include "LugarTableViewController.h"
+#include "analytics/Events.h"
 
 #include "GalleryViewController.h"
 #include "SaveToMyPlacesViewController.h"
@@ -251,8 +252,10 @@ void LugarTableViewController::didSelectRow(int row)
     case T::moreInfo: performSegue(QStringLiteral("lugar-show-more-info")); break;
     case T::myPlaces: performSegue(QStringLiteral("show-myplaces")); break;
     case T::advertising:
-        if (m_ad)
+        if (m_ad) {
+            Events::adAction(Events::AdPlacement::PlaceCard, m_ad->image_id);
             AdActions::performAdAction(*m_ad, [this](const QString &tip) { emit tipRequested(tip); });
+        }
         break;
     default: break;
     }
@@ -386,8 +389,15 @@ void LugarTableViewController::willDisplayRow(int row, qreal height)
         m_lastCellBuilt = true;
 }
 
+void LugarTableViewController::advertisingCellBuilt()
+{
+    if (m_ad)
+        Events::adShown(Events::AdPlacement::PlaceCard, m_ad->image_id);
+}
+
 void LugarTableViewController::viewWillAppear()
 {
+    Events::placeCardAppeared();
     matchBarColorToScrollPosition(true);
     moveLastCellToBottom();
 }

@@ -67,6 +67,8 @@ public:
     static QString outOfServiceReasonText(const QString &reason);
 
     Q_INVOKABLE void didSelectRow(int row);
+    // The advertising cell was made: each making counts as a showing.
+    Q_INVOKABLE void advertisingCellBuilt();
     Q_INVOKABLE qreal estimatedHeightForRow(int row) const { return m_heightCache.value(row, 50); }
     Q_INVOKABLE void willDisplayRow(int row, qreal height);
 

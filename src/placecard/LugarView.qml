@@ -258,6 +258,7 @@ Rectangle {
                     source: row.modelData.source
                     badge: row.modelData.badge
                     onTapped: root.controller.didSelectRow(row.index)
+                    onBuilt: root.controller.advertisingCellBuilt()
                 }
             }
             Component {

@@ -1,4 +1,5 @@
 #include "MoreInfoTableViewController.h"
+#include "analytics/Events.h"
 
 #include "catalogue/Restaurants.h"
 #include "platform/Localize.h"
@@ -122,9 +123,17 @@ void MoreInfoTableViewController::didSelectRow(int row)
         break;
     }
     case MoreInfoCellType::advertising:
-        if (m_ad)
+        if (m_ad) {
+            Events::adAction(Events::AdPlacement::MoreInfo, m_ad->image_id);
             AdActions::performAdAction(*m_ad, [this](const QString &tip) { emit tipRequested(tip); });
+        }
         break;
     default: break;
     }
+}
+
+void MoreInfoTableViewController::advertisingCellBuilt()
+{
+    if (m_ad)
+        Events::adShown(Events::AdPlacement::MoreInfo, m_ad->image_id);
 }

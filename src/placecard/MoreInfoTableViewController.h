@@ -39,6 +39,8 @@ public:
     static QUrl emailURL(const QStringList &emails, const QString &placeName);
 
     Q_INVOKABLE void didSelectRow(int row);
+    // The advertising cell was made: each making counts as a showing.
+    Q_INVOKABLE void advertisingCellBuilt();
 
 signals:
     void rowsChanged();

@@ -1,4 +1,8 @@
+#include "app/Scenes.h"
+#include "fixtures/TestHome.h"
+#include "platform/UserDefaults.h"
 #include "presentation/AdActions.h"
+#include "presentation/NavigationController.h"
 #include "presentation/UrlOpener.h"
 #include "browse/DescubreTableViewController.h"
 
@@ -72,4 +76,45 @@ TEST(DiscoverFeed, AdActionsOpenWhatTheirTypeSays)
     EXPECT_EQ(opened, QList<QUrl>{QUrl(QStringLiteral("tel:78671374"))});
     EXPECT_EQ(tips, QStringList{QStringLiteral("Try the flan")});
     UrlOpener::setUrlOpener([](const QUrl &) { return false; });
+}
+
+// Catches: an ad's showing counted once instead of at each making of its cell, a promotion
+// counted as an ad, the feed reporting the picture's id instead of the ad's, and a tap reported
+// after its action.
+TEST(DiscoverFeed, ReportsEveryShowingAndTap)
+{
+    TestHome home;
+    CatalogueFixture fixture = CatalogueFixture::small();
+    fixture.sql << QStringLiteral("INSERT INTO app_campaigns VALUES(7, 'url', 'https://es.example', 'https://en.example', '2099-01-01', 1)")
+                << QStringLiteral("INSERT INTO app_campaign_images VALUES(70, 7, 'en', CAST('ad' AS BLOB))");
+    auto restaurants = home.openCatalogue(fixture, QStringLiteral("en"));
+    home.defaults().setInteger(1, QStringLiteral("Province"));
+    home.startAnalytics();
+    registerApplicationScenes();
+    NavigationController navigation;
+    DescubreTableViewController feed(*restaurants);
+    navigation.setViewControllers({&feed}, false);
+    feed.reload();
+    const auto &rows = feed.discoverRows();
+    const int ad = int(std::find_if(rows.begin(), rows.end(), [](const auto &row) { return row.kind == DescubreTableViewController::DiscoverRow::Kind::ad; }) - rows.begin());
+    ASSERT_LT(ad, rows.size()) << "the feed has an ad";
+    ASSERT_EQ(rows.first().kind, DescubreTableViewController::DiscoverRow::Kind::promo);
+
+    feed.rowConfigured(0);
+    feed.rowConfigured(ad);
+    feed.rowConfigured(ad); // scrolled out and back
+    QStringList reportedBeforeOpening;
+    UrlOpener::setUrlOpener([&](const QUrl &) {
+        reportedBeforeOpening = home.storedEvents();
+        return true;
+    });
+    feed.didSelectRow(ad);
+    UrlOpener::setUrlOpener([](const QUrl &) { return false; });
+    feed.didSelectRow(0);
+    ASSERT_EQ(navigation.viewControllers().size(), 2) << "the promotion opened its place";
+    const QStringList expected{QStringLiteral("ADV Campaigns/Show/Promo/7"), QStringLiteral("ADV Campaigns/Show/Promo/7"),
+                               QStringLiteral("ADV Campaigns/Action/Promo/7"), QStringLiteral("Navigation/Tapped/Promo/1"),
+                               QStringLiteral("screen:RestaurantView")};
+    EXPECT_EQ(home.storedEvents(), expected);
+    EXPECT_EQ(reportedBeforeOpening, expected.mid(0, 3));
 }

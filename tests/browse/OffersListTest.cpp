@@ -89,12 +89,14 @@ TEST(OffersList, TapsOpenThePlace)
     Localize::setCurrentLanguage(QStringLiteral("en"));
     home.defaults().setInteger(1, QStringLiteral("Province"));
     auto restaurants = offersCatalogue(home);
+    home.startAnalytics();
     registerApplicationScenes();
     NavigationController navigation;
     OfertasTableViewController province(*restaurants);
     navigation.setViewControllers({&province}, false);
     province.didSelectRow(1); // the first offer, under the first header
     ASSERT_EQ(navigation.viewControllers().size(), 2);
+    EXPECT_EQ(home.storedEvents(), QStringList{QStringLiteral("Navigation/Tapped/Offer/1")});
     auto *place = qobject_cast<OfertasTableViewController *>(navigation.topViewController());
     ASSERT_TRUE(place);
     EXPECT_EQ(place->rid, 100);
@@ -104,4 +106,6 @@ TEST(OffersList, TapsOpenThePlace)
     place->inertRestCard = false;
     place->didSelectRow(0);
     EXPECT_EQ(navigation.viewControllers().size(), 3) << "the card opens the place";
+    EXPECT_EQ(home.storedEvents(), (QStringList{QStringLiteral("Navigation/Tapped/Offer/1"), QStringLiteral("screen:RestaurantView")}))
+        << "the place's own offers report no tap of their own";
 }

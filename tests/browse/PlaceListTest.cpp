@@ -50,6 +50,7 @@ TEST(PlaceList, RowsSwipesAndDeletion)
     CatalogueFixture fixture = CatalogueFixture::small();
     fixture.places.append({103, QStringLiteral("Zapata"), QStringLiteral("zapata"), 10, 2, 0, QStringLiteral("Calle Z"), std::nullopt});
     auto restaurants = home.openCatalogue(fixture);
+    home.startAnalytics();
     LugaresTableViewController list(*restaurants);
     QAbstractItemModelTester tester(list.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     list.loadViewIfNeeded();
@@ -80,6 +81,7 @@ TEST(PlaceList, RowsSwipesAndDeletion)
     EXPECT_DOUBLE_EQ(list.sectionIndexAlpha(), 0.4) << "another row is still open";
     list.swipeWillEnd(2);
     EXPECT_DOUBLE_EQ(list.sectionIndexAlpha(), 1.0);
+    EXPECT_EQ(home.storedEvents(), QStringList(2, QStringLiteral("Places/Swiped/Cell/1"))) << "one report per swipe begun";
 
     EXPECT_TRUE(list.tappedButton(2, 1));
     EXPECT_EQ(deleted, 103);
@@ -96,9 +98,11 @@ TEST(PlaceList, RowsSwipesAndDeletion)
     list.setEditing(true);
     list.didSelectRow(0);
     EXPECT_EQ(navigation.viewControllers().size(), 1);
+    EXPECT_EQ(home.storedEvents().size(), 2) << "no tap reported while editing";
     list.setEditing(false);
     list.didSelectRow(0);
     EXPECT_EQ(navigation.viewControllers().size(), 2);
+    EXPECT_EQ(home.storedEvents().mid(2), (QStringList{QStringLiteral("Navigation/Tapped/Place/1"), QStringLiteral("screen:RestaurantView")}));
     EXPECT_EQ(navigation.topViewController()->title(), QStringLiteral("El Aljibe"));
     navigation.setViewControllers({}, false);
     list.setParent(nullptr);

@@ -42,17 +42,14 @@ TEST(SettingsInterface, AFingerTogglesRevealsTheDeveloperToolsAndErasesAKey)
     ui.save("settings-developer");
 
     // The store's viewer: Edit, then the delete button of a key set above.
-    QQuickItem *tools = ui.item("actionRow-user-defaults");
-    ASSERT_TRUE(tools);
-    if (tools->mapToScene(QPointF(0, tools->height())).y() > window->height())
-        drag(window, QPoint(200, 700), QPoint(0, -400));
-    QTest::qWait(300);
+    ASSERT_TRUE(scrollIntoView(window, [&] { return ui.item("actionRow-user-defaults"); }));
     tap(window, ui.item("actionRow-user-defaults"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("userDefaultsView") && ui.item("defaultsRow-developer-mode-enabled"); }, 3000));
     QTest::qWait(500);
     ui.save("defaults-viewer");
     tap(window, ui.item("barButton-edit"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("deleteDefault-show-closed-places") && ui.item("deleteDefault-show-closed-places")->isVisible(); }, 2000));
+    ASSERT_TRUE(scrollIntoView(window, [&] { return ui.item("deleteDefault-show-closed-places"); }));
     tap(window, ui.item("deleteDefault-show-closed-places"));
     EXPECT_FALSE(ui.home.defaults().boolForKey(DefaultKeys::showClosedPlaces)) << "back to the registered default";
     EXPECT_TRUE(ui.item("defaultsRow-show-closed-places")) << "a registered default stays listed";

@@ -140,10 +140,15 @@ TEST(DetailScreens, MoreInfoShowsOnlyWhatThePlaceHas)
         opened.append(url);
         return true;
     });
+    home.startAnalytics();
     rich.didSelectRow(2);
     rich.didSelectRow(3); // service types: nothing
+    rich.advertisingCellBuilt();
+    rich.didSelectRow(int(rich.cells().indexOf(T::advertising)));
     UrlOpener::setUrlOpener([](const QUrl &) { return false; });
-    ASSERT_EQ(opened.size(), 1);
+    EXPECT_EQ(home.storedEvents(), (QStringList{QStringLiteral("ADV Campaigns/Show/+Info/70"), QStringLiteral("ADV Campaigns/Action/+Info/70")}))
+        << "only the ad reports, by its picture's id";
+    ASSERT_EQ(opened.size(), 2);
     EXPECT_EQ(opened.first().toString(QUrl::FullyEncoded), QStringLiteral("mailto:a@x.cu?subject=La%20Bodeguita%20del%20Medio"));
 }
 

@@ -1,3 +1,4 @@
+#include "analytics/Measurement.h"
 #include "app/Scenes.h"
 #include "catalogue/MyPlacesLists.h"
 #include "fixtures/TestHome.h"
@@ -114,6 +115,40 @@ TEST(PlaceCard, RowKindsFollowThePlacesData)
 // Catches: a fade that starts or ends at the wrong place, a colour that doesn't survive the
 // one-pixel bitmap (wrong byte order, a header that doesn't decode), translucency left on under
 // an opaque bar, a picture that doesn't follow the pull, and a last row moved before it exists.
+// Catches: an ad counted once rather than at every making of its cell, the tap reported after
+// the action (or by the feed's ad_id), and a screen view missing on a second appearance.
+TEST(PlaceCard, ReportsItsScreenAndItsAdEachTime)
+{
+    TestHome home;
+    home.startAnalytics();
+    auto restaurants = cardCatalogue(home);
+    RestaurantInfo aljibe = *restaurants->restaurantInfo(101);
+    auto controller = card(*restaurants, home.defaults(), aljibe);
+    ASSERT_TRUE(controller->ad());
+    controller->viewWillAppear();
+    controller->advertisingCellBuilt();
+    controller->advertisingCellBuilt(); // scrolled away and back
+    QStringList reportedBeforeOpening;
+    UrlOpener::setUrlOpener([&](const QUrl &) {
+        reportedBeforeOpening = home.storedEvents();
+        return true;
+    });
+    controller->didSelectRow(int(controller->cells().indexOf(T::advertising)));
+    UrlOpener::setUrlOpener([](const QUrl &) { return false; });
+    controller->viewWillAppear();
+    const QStringList expected{QStringLiteral("screen:RestaurantView"), QStringLiteral("ADV Campaigns/Show/Profile/70"),
+                               QStringLiteral("ADV Campaigns/Show/Profile/70"), QStringLiteral("ADV Campaigns/Action/Profile/70"),
+                               QStringLiteral("screen:RestaurantView")};
+    EXPECT_EQ(home.storedEvents(), expected);
+    EXPECT_EQ(reportedBeforeOpening, expected.mid(0, 4)) << "the tap is reported before its action runs";
+
+    // Opted out, the same calls leave nothing behind, and what waited is gone.
+    home.measurement().setOptOut(true);
+    controller->viewWillAppear();
+    controller->advertisingCellBuilt();
+    EXPECT_EQ(home.storedEvents(), QStringList());
+}
+
 TEST(PlaceCard, BarColourPictureStretchAndLastRowFollowTheScroll)
 {
     TestHome home;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QByteArray>
+#include <QNetworkRequest>
+#include <QUrl>
+
+// The HTTP requests that carry hits: a GET with the payload as the query, or a POST with it as
+// the body, plain or compressed. Every request names its type and agent and bypasses caches.
+namespace RequestBuilder {
+
+enum Compression { None = 0, Deflate = 1, Gzip = 2 };
+
+struct HitRequest {
+    QNetworkRequest request;
+    QByteArray body;   // empty for a GET
+    bool post = false;
+    bool valid = false;
+};
+
+// A single hit shorter than this goes as a GET.
+constexpr int maxGetPayload = 2000;
+
+HitRequest requestGetUrl(const QUrl &url, const QByteArray &payload);
+// Invalid when the compressor fails.
+HitRequest requestPostUrl(const QUrl &url, const QByteArray &payload, Compression compression);
+
+// What the app calls itself in requests.
+QByteArray userAgent();
+
+}
