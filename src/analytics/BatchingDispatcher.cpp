@@ -4,8 +4,8 @@
 #include "platform/Logging.h"
 
 #include <QDateTime>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
+#include "platform/HttpExchange.h"
+
 #include <QThread>
 #include <QTimer>
 
@@ -49,7 +49,6 @@ void BatchingDispatcher::setUp()
         return;
     m_store.now = now;
     m_store.open();
-    m_network = new QNetworkAccessManager(this);
     m_timer = new QTimer(this);
     connect(m_timer, &QTimer::timeout, this, &BatchingDispatcher::timerFired);
     m_store.removeStaleHits(currentTime() - qint64(maxHitAge * 1000));
@@ -222,7 +221,7 @@ void BatchingDispatcher::sendRequest(const HitList &hits)
         else
             request = RequestBuilder::requestPostUrl(url, payload,
                                                      single ? RequestBuilder::None : RequestBuilder::Compression(compressionStrategy));
-        if (maxBodySize != 0 && request.body.size() > maxBodySize)
+        if (maxBodySize != 0 && request.request.body.size() > maxBodySize)
             request.valid = false;
     }
     if (!request.valid) {
@@ -230,24 +229,24 @@ void BatchingDispatcher::sendRequest(const HitList &hits)
         deleteHits(hits);
         return finish(Good);
     }
-    request.request.setTransferTimeout(requestTimeoutMs);
-    m_connection = request.post ? m_network->post(request.request, request.body) : m_network->get(request.request);
-    QNetworkReply *reply = m_connection;
-    connect(reply, &QNetworkReply::finished, this, [this, hits, reply] {
-        reply->deleteLater();
-        didSendHits(hits, reply);
+    request.request.timeoutMs = requestTimeoutMs;
+    auto *exchange = new HttpExchange(request.request, this);
+    m_connection = exchange;
+    connect(exchange, &HttpExchange::finished, this, [this, hits, exchange] {
+        exchange->deleteLater();
+        didSendHits(hits, *exchange);
     });
+    exchange->start();
 }
 
-void BatchingDispatcher::didSendHits(const HitList &hits, QNetworkReply *reply)
+void BatchingDispatcher::didSendHits(const HitList &hits, const HttpExchange &exchange)
 {
     m_connection.clear();
-    const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    if (!status.isValid()) {
-        qCInfo(lcAnalytics) << "No answer from the measurement service:" << reply->errorString();
+    const int code = exchange.status();
+    if (code == 0) {
+        qCInfo(lcAnalytics) << "No answer from the measurement service:" << exchange.errorString();
         return finish(Error);
     }
-    const int code = status.toInt();
     if (hits.size() > 1 && !m_serverBatchingDisabled && (code == 302 || code == 404 || code == 502)) {
         // The service doesn't take batches now: the same hits go out one by one for a while.
         m_serverBatchingDisabled = true;

@@ -13,8 +13,7 @@
 #include <functional>
 #include <memory>
 
-class QNetworkAccessManager;
-class QNetworkReply;
+class HttpExchange;
 class QTimer;
 
 // Takes hits from the tracker, keeps them in the HitStore and sends them later, in batches, to
@@ -87,7 +86,7 @@ private:
     HitList nextPendingHits();
     HitList hitsForDispatch();
     void sendRequest(const HitList &hits);
-    void didSendHits(const HitList &hits, QNetworkReply *reply);
+    void didSendHits(const HitList &hits, const HttpExchange &exchange);
     void deleteHits(const HitList &hits);
     void finish(DispatchResult result);
 
@@ -99,8 +98,7 @@ private:
     qint64 m_batchFailedTime = 0;
     mutable QMutex m_hasHitsLock;
     bool m_hasHits = true;
-    QNetworkAccessManager *m_network = nullptr;
-    QPointer<QNetworkReply> m_connection;
+    QPointer<HttpExchange> m_connection;
     QTimer *m_timer = nullptr;
     CompletionHandler m_currentCompletionHandler;
 };

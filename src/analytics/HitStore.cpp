@@ -148,9 +148,10 @@ QString HitStore::nextHitNumberForTrackingId(const QString &trackingId, const QS
 {
     if (!isOpen())
         return {};
-    const bool counted = m_db->executeUpdate(QStringLiteral("INSERT INTO hit_numbers (tracking_id, client_id, next) VALUES (?, ?, 1)"
-                                                            " ON CONFLICT (tracking_id, client_id) DO UPDATE SET next = next + 1"),
-                                             {trackingId, clientId});
+    const bool counted = m_db->executeUpdate(QStringLiteral("INSERT OR IGNORE INTO hit_numbers (tracking_id, client_id, next) VALUES (?, ?, 0)"),
+                                             {trackingId, clientId})
+                         && m_db->executeUpdate(QStringLiteral("UPDATE hit_numbers SET next = next + 1 WHERE tracking_id = ? AND client_id = ?"),
+                                                {trackingId, clientId});
     ResultSet rows = m_db->executeQuery(QStringLiteral("SELECT next FROM hit_numbers WHERE tracking_id = ? AND client_id = ?"),
                                         {trackingId, clientId});
     return counted && rows.next() ? QString::number(rows.longForColumn(0)) : QString();

@@ -8,14 +8,12 @@
 namespace RequestBuilder {
 
 namespace {
-QNetworkRequest baseRequest(const QUrl &url)
+HttpExchange::Request baseRequest(const QByteArray &method, const QUrl &url)
 {
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QByteArrayLiteral("text/plain; charset=utf-8"));
-    request.setRawHeader("User-Agent", userAgent());
-    // Neither a cached answer nor a cached copy: every hit must reach the service.
-    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    HttpExchange::Request request;
+    request.method = method;
+    request.url = url;
+    request.headers = {{"Content-Type", "text/plain; charset=utf-8"}, {"User-Agent", userAgent()}, {"Cache-Control", "no-cache"}};
     return request;
 }
 }
@@ -31,19 +29,18 @@ HitRequest requestGetUrl(const QUrl &url, const QByteArray &payload)
     QUrl withQuery = url;
     // The payload is already percent-encoded; a trailing newline isn't part of a query.
     withQuery.setQuery(QString::fromLatin1(payload.trimmed()), QUrl::StrictMode);
-    HitRequest get{baseRequest(withQuery), {}, false, withQuery.isValid()};
-    return get;
+    return {baseRequest("GET", withQuery), withQuery.isValid()};
 }
 
 HitRequest requestPostUrl(const QUrl &url, const QByteArray &payload, Compression compression)
 {
-    HitRequest post{baseRequest(url), payload, true, true};
+    HitRequest post{baseRequest("POST", url), true};
+    post.request.body = payload;
     if (compression == Deflate || compression == Gzip) {
-        post.body = ::Compression::compress(payload, compression == Gzip ? ::Compression::Format::Gzip : ::Compression::Format::Deflate);
-        post.valid = !post.body.isEmpty();
-        post.request.setRawHeader("Content-Encoding", compression == Gzip ? "gzip" : "deflate");
+        post.request.body = ::Compression::compress(payload, compression == Gzip ? ::Compression::Format::Gzip : ::Compression::Format::Deflate);
+        post.valid = !post.request.body.isEmpty();
+        post.request.headers.append({QByteArrayLiteral("Content-Encoding"), compression == Gzip ? QByteArrayLiteral("gzip") : QByteArrayLiteral("deflate")});
     }
-    post.request.setHeader(QNetworkRequest::ContentLengthHeader, post.body.size());
     return post;
 }
 

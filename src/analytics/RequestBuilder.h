@@ -1,19 +1,16 @@
 #pragma once
 
-#include <QByteArray>
-#include <QNetworkRequest>
-#include <QUrl>
+#include "platform/HttpExchange.h"
 
 // The HTTP requests that carry hits: a GET with the payload as the query, or a POST with it as
-// the body, plain or compressed. Every request names its type and agent and bypasses caches.
+// the body, plain or compressed. Every request names its type and agent and asks caches on the
+// way to stay out of it.
 namespace RequestBuilder {
 
 enum Compression { None = 0, Deflate = 1, Gzip = 2 };
 
 struct HitRequest {
-    QNetworkRequest request;
-    QByteArray body;   // empty for a GET
-    bool post = false;
+    HttpExchange::Request request;
     bool valid = false;
 };
 
