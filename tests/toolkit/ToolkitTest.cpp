@@ -1,4 +1,5 @@
 #include "catalogue/Restaurants.h"
+#include "platform/Compression.h"
 #include "platform/Database.h"
 #include "platform/ZipArchive.h"
 #include "toolkit/CatalogueData.h"
@@ -17,9 +18,13 @@
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QPainter>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -352,4 +357,56 @@ TEST(Toolkit, CommandLineExplainsItself)
         EXPECT_TRUE(refused.err.contains("usage:"));
         EXPECT_TRUE(refused.out.isEmpty());
     }
+}
+
+// Catches: a collector that doesn't answer like a measurement service (a GET hit, a gzip batch,
+// a body that doesn't inflate, a wrong path or method), invalid hits stored as if valid, and a
+// summary that counts screens, events, days or duplicates wrongly.
+TEST(Toolkit, CollectReceivesHitsAndHitsSummarisesThem)
+{
+    QTemporaryDir dir;
+    const QString db = dir.filePath(QStringLiteral("collected.sqlite"));
+    QProcess collector;
+    collector.start(QString::fromLatin1(tool), {QStringLiteral("collect"), QStringLiteral("--db"), db, QStringLiteral("--port"), QStringLiteral("0")});
+    ASSERT_TRUE(collector.waitForReadyRead(10000)) << collector.readAllStandardError().constData();
+    const QByteArray started = collector.readAllStandardOutput();
+    const QByteArray port = started.mid(started.lastIndexOf(' ') + 1).trimmed();
+    ASSERT_GT(port.toInt(), 0) << started.constData();
+    const QByteArray base = "http://127.0.0.1:" + port;
+
+    QNetworkAccessManager network;
+    const auto ask = [&network](const QNetworkRequest &request, const QByteArray &method, const QByteArray &body = {}) {
+        QNetworkReply *reply = network.sendCustomRequest(request, method, body);
+        EXPECT_TRUE(QTest::qWaitFor([reply] { return reply->isFinished(); }, 10000));
+        reply->deleteLater();
+        return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    };
+    const QByteArray event = "t=event&tid=T&cid=C&ec=Navigation&ea=Tapped&el=Place&ev=1&ht=1764000000000";
+    EXPECT_EQ(ask(QNetworkRequest(QUrl(QString::fromLatin1(base + "/collect?" + event + "&z=1"))), "GET"), 200);
+    QNetworkRequest batch(QUrl(QString::fromLatin1(base + "/batch")));
+    batch.setRawHeader("Content-Encoding", "gzip");
+    const QByteArray lines = event + "&z=1\n" + "t=screenview&tid=T&cid=C&cd=RestaurantView&ht=1764086400000&z=2\nt=event&tid=T\n";
+    EXPECT_EQ(ask(batch, "POST", Compression::compress(lines, Compression::Format::Gzip)), 200);
+    EXPECT_EQ(ask(batch, "POST", "not gzip at all"), 400);
+    EXPECT_EQ(ask(QNetworkRequest(QUrl(QString::fromLatin1(base + "/collect?t=nonsense"))), "GET"), 400);
+    EXPECT_EQ(ask(QNetworkRequest(QUrl(QString::fromLatin1(base + "/elsewhere"))), "GET"), 404);
+    EXPECT_EQ(ask(QNetworkRequest(QUrl(QString::fromLatin1(base + "/batch"))), "GET"), 405);
+    collector.kill();
+    collector.waitForFinished();
+
+    const ToolRun summary = runTool({QStringLiteral("hits"), db});
+    ASSERT_EQ(summary.exitCode, 0) << summary.err.constData();
+    const QJsonObject hits = QJsonDocument::fromJson(summary.out).object();
+    EXPECT_EQ(hits.value(QStringLiteral("total")).toInt(), 3);
+    EXPECT_EQ(hits.value(QStringLiteral("rejected")).toInt(), 2);
+    EXPECT_EQ(hits.value(QStringLiteral("duplicates")).toInt(), 1) << "the same z twice";
+    EXPECT_EQ(hits.value(QStringLiteral("events")).toObject().value(QStringLiteral("Navigation / Tapped / Place")).toInt(), 2);
+    EXPECT_EQ(hits.value(QStringLiteral("screens")).toObject().value(QStringLiteral("RestaurantView")).toInt(), 1);
+    EXPECT_EQ(hits.value(QStringLiteral("days")).toObject(),
+              (QJsonObject{{QStringLiteral("2025-11-24"), 2}, {QStringLiteral("2025-11-25"), 1}}));
+
+    const ToolRun notHits = runTool({QStringLiteral("hits"), dir.filePath(QStringLiteral("missing.sqlite"))});
+    EXPECT_EQ(notHits.exitCode, 1);
+    EXPECT_TRUE(notHits.err.contains("not a file of collected hits"));
+    EXPECT_NE(runTool({QStringLiteral("collect")}).exitCode, 0) << "no --db";
 }
