@@ -21,6 +21,10 @@
 #include <QTextStream>
 
 #include "toolkit/HitCollector.h"
+#include "toolkit/Signing.h"
+#include "platform/Signatures.h"
+#include "catalogue/Restaurants.h"
+#include "update/SignedFiles.h"
 #include "toolkit/UpdateServer.h"
 
 #include <QSysInfo>
@@ -35,7 +39,9 @@ const char usage[] = R"(usage:
   velmora-catalogue build SOURCE.json -o OUT.db
   velmora-catalogue demo -o DIR [--places N] [--seed S] [--date YYYYMMDD]
   velmora-catalogue patch OLD.db NEW.db -o OUT.zip
-  velmora-catalogue publish NEW.db [OLD.db ...] --to DIR --base-url URL
+  velmora-catalogue publish NEW.db [OLD.db ...] --to DIR --base-url URL [--key SECRET]
+  velmora-catalogue keygen -o DIR
+  velmora-catalogue verify FILE --pub KEY
   velmora-catalogue serve DIR [--port N] [--name NAME] [--priority P] [--advertise]
   velmora-catalogue info FILE
   velmora-catalogue query FILE search TEXT
@@ -167,16 +173,66 @@ int patch(const QStringList &arguments)
 
 int publishCommand(const QStringList &arguments)
 {
-    Arguments args(arguments, {QStringLiteral("--to"), QStringLiteral("--base-url")}, {});
+    Arguments args(arguments, {QStringLiteral("--to"), QStringLiteral("--base-url"), QStringLiteral("--key")}, {});
     if (!args.error.isEmpty() || args.positional.isEmpty() || args.value(QStringLiteral("--to")).isEmpty()
         || args.value(QStringLiteral("--base-url")).isEmpty())
-        return fail(args.error.isEmpty() ? QStringLiteral("publish NEW.db [OLD.db ...] --to DIR --base-url URL") : args.error);
+        return fail(args.error.isEmpty() ? QStringLiteral("publish NEW.db [OLD.db ...] --to DIR --base-url URL [--key SECRET]") : args.error);
     QJsonObject result;
     QString error;
+    QByteArray secretKey;
+    if (args.options.contains(QStringLiteral("--key"))) {
+        secretKey = SignedFiles::readKeyFile(args.value(QStringLiteral("--key")), true, &error);
+        if (secretKey.isEmpty())
+            return fail(error);
+    }
     if (!publish(args.positional.first(), args.positional.mid(1), args.value(QStringLiteral("--to")),
-                 args.value(QStringLiteral("--base-url")), result, &error))
+                 args.value(QStringLiteral("--base-url")), result, &error, secretKey))
         return fail(error);
     return report(result);
+}
+
+// A new Ed25519 key pair for signing what `publish` writes.
+int keygen(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("-o")}, {});
+    if (!args.error.isEmpty() || !args.positional.isEmpty() || args.value(QStringLiteral("-o")).isEmpty())
+        return fail(args.error.isEmpty() ? QStringLiteral("keygen -o DIR") : args.error);
+    QString error;
+    const QDir dir(args.value(QStringLiteral("-o")));
+    if (!writeKeyPair(dir.path(), &error))
+        return fail(error);
+    return report(QJsonObject{{QStringLiteral("secret_key"), dir.absoluteFilePath(SignedFiles::secretKeyFile)},
+                              {QStringLiteral("public_key"), dir.absoluteFilePath(SignedFiles::publicKeyFile)}});
+}
+
+// Checks FILE against FILE.sig as the app would with KEY trusted; a catalogue's own date must be
+// the one signed.
+int verify(const QStringList &arguments)
+{
+    Arguments args(arguments, {QStringLiteral("--pub")}, {});
+    if (!args.error.isEmpty() || args.positional.size() != 1 || args.value(QStringLiteral("--pub")).isEmpty())
+        return fail(args.error.isEmpty() ? QStringLiteral("verify FILE --pub KEY") : args.error);
+    const QString file = args.positional.first();
+    QString error;
+    const QByteArray publicKey = SignedFiles::readKeyFile(args.value(QStringLiteral("--pub")), false, &error);
+    if (publicKey.isEmpty())
+        return fail(error);
+    QFile signature(file + SignedFiles::suffix);
+    if (!signature.open(QIODevice::ReadOnly))
+        return fail(QStringLiteral("no signature %1").arg(signature.fileName()));
+    QDate signedDate;
+    const QString why = SignedFiles::check(signature.read(4096), Signatures::sha256OfFile(file), QFileInfo(file).fileName(), std::nullopt,
+                                           {publicKey}, &signedDate);
+    if (!why.isEmpty())
+        return fail(QStringLiteral("%1: %2").arg(file, why));
+    if (file.endsWith(QLatin1String(".db"))) {
+        const VerificationResult verified = Restaurants(Restaurants::Environment{}).verifyDatabase(file);
+        if (verified.date != signedDate)
+            return fail(QStringLiteral("%1: the catalogue's own date is not the one signed").arg(file));
+    }
+    return report(QJsonObject{{QStringLiteral("file"), QFileInfo(file).absoluteFilePath()},
+                              {QStringLiteral("date"), CatalogueDates::formatCompact(signedDate)},
+                              {QStringLiteral("valid"), true}});
 }
 
 int info(const QStringList &arguments)
@@ -346,7 +402,7 @@ int main(int argc, char *argv[])
                                       QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to"),
                                       QStringLiteral("--port"), QStringLiteral("--name"), QStringLiteral("--priority"),
                                       QStringLiteral("--advertise"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution"),
-                                      QStringLiteral("--db")};
+                                      QStringLiteral("--db"), QStringLiteral("--key"), QStringLiteral("--pub")};
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         const bool valueOfText = i > 0 && arguments.at(i - 1) == QLatin1String("--text");
@@ -374,6 +430,10 @@ int main(int argc, char *argv[])
         return query(rest);
     if (command == QLatin1String("basemap"))
         return basemap(rest);
+    if (command == QLatin1String("keygen"))
+        return keygen(rest);
+    if (command == QLatin1String("verify"))
+        return verify(rest);
     if (command == QLatin1String("collect"))
         return collect(rest);
     if (command == QLatin1String("hits"))

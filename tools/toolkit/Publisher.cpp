@@ -2,6 +2,8 @@
 
 #include "CatalogueWriter.h"
 #include "PatchBuilder.h"
+#include "Signing.h"
+#include "update/SignedFiles.h"
 #include "catalogue/CatalogueDates.h"
 #include "catalogue/Restaurants.h"
 #include "update/PatchFiles.h"
@@ -11,9 +13,12 @@
 #include <QFile>
 #include <QJsonArray>
 
+#include <cstdio>
+
 bool publish(const QString &newPath, const QStringList &oldPaths, const QString &directory, const QString &baseUrl,
-             QJsonObject &report, QString *error)
+             QJsonObject &report, QString *error, const QByteArray &secretKey)
 {
+    const bool signing = !secretKey.isEmpty();
     const Restaurants verifier(Restaurants::Environment{});
     const VerificationResult verified = verifier.verifyDatabase(newPath);
     if (!verified.date.isValid()) {
@@ -32,7 +37,8 @@ bool publish(const QString &newPath, const QStringList &oldPaths, const QString 
     }
     const QString fileName = QStringLiteral("velmora-%1.db").arg(CatalogueDates::formatCompact(date));
     if (!writeAtomically(ios.filePath(fileName), error,
-                         [&](const QString &temporary) { return QFile::copy(newPath, temporary); }))
+                         [&](const QString &temporary) { return QFile::copy(newPath, temporary); })
+        || (signing && !signPublishedFile(ios.filePath(fileName), date, secretKey, error)))
         return false;
 
     QJsonArray patches;
@@ -44,7 +50,7 @@ bool publish(const QString &newPath, const QStringList &oldPaths, const QString 
         }
         const QString archive = ios.filePath(PatchFiles::archivePath(old.date, date));
         PatchStats stats;
-        if (!buildPatch(oldPath, newPath, archive, error, &stats))
+        if (!buildPatch(oldPath, newPath, archive, error, &stats) || (signing && !signPublishedFile(archive, date, secretKey, error)))
             return false;
         patches.append(QJsonObject{{QStringLiteral("from"), CatalogueDates::formatCompact(old.date)},
                                    {QStringLiteral("archive"), archive},
@@ -60,15 +66,30 @@ bool publish(const QString &newPath, const QStringList &oldPaths, const QString 
         return false;
     }
     const QString lastTxt = ios.filePath(QStringLiteral("last.txt"));
-    if (!writeAtomically(lastTxt, error, [&](const QString &temporary) {
+    // The announcement goes out last: a reader never sees it before what it points to.
+    const QString staged = lastTxt + QStringLiteral(".new");
+    if (!writeAtomically(staged, error, [&](const QString &temporary) {
             QFile file(temporary);
             return file.open(QIODevice::WriteOnly) && file.write(formatUpdateInfo(info).toUtf8()) > 0;
         }))
         return false;
+    if (signing) {
+        const QByteArray signature = signFile(staged, QStringLiteral("last.txt"), date, secretKey, error);
+        if (signature.isEmpty() || !writeAtomically(lastTxt + SignedFiles::suffix, error, [&](const QString &temporary) {
+                QFile file(temporary);
+                return file.open(QIODevice::WriteOnly) && file.write(signature) == signature.size();
+            }))
+            return false;
+    }
+    if (std::rename(QFile::encodeName(staged).constData(), QFile::encodeName(lastTxt).constData()) != 0) {
+        *error = QStringLiteral("can't write %1").arg(lastTxt);
+        return false;
+    }
     report = {{QStringLiteral("version_date"), CatalogueDates::formatCompact(date)},
               {QStringLiteral("catalogue"), ios.filePath(fileName)},
               {QStringLiteral("last_txt"), lastTxt},
               {QStringLiteral("url"), info.url.toString()},
-              {QStringLiteral("patches"), patches}};
+              {QStringLiteral("patches"), patches},
+              {QStringLiteral("signed"), signing}};
     return true;
 }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDate>
+#include <QString>
+
+// The publisher's half of signed updates: making a key pair and signing what `publish` writes.
+// The app's half (reading signatures, trusted keys) is update/SignedFiles.
+
+// DIR/velmora-signing.key (owner-only) and DIR/velmora-signing.pub; refuses to replace a key.
+bool writeKeyPair(const QString &directory, QString *error);
+
+// Writes FILE.sig for the file at `path`, published as its own name for `date`.
+bool signPublishedFile(const QString &path, const QDate &date, const QByteArray &secretKey, QString *error);
+
+// The .sig text; empty with `error` set when the file can't be read or the key isn't one.
+QByteArray signFile(const QString &path, const QString &name, const QDate &date, const QByteArray &secretKey, QString *error);
