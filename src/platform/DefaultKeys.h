@@ -10,6 +10,8 @@ inline const QString lastInternetUpdateCheck = QStringLiteral("last-internet-upd
 inline const QString devUpdateAlwaysEnabled = QStringLiteral("dev-update-always-enabled");
 inline const QString downloaderState = QStringLiteral("downloader-state");
 inline const QString fullDbUrl = QStringLiteral("full-db-url");
+// The signature of the file being fetched, kept with the transfer: {"url", "signature", "date"}.
+inline const QString downloadSignature = QStringLiteral("download-signature");
 inline const QString patchAvailable = QStringLiteral("patch-available");
 
 inline const QString showClosedPlaces = QStringLiteral("show-closed-places");

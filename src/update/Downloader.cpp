@@ -12,10 +12,13 @@
 #include "platform/OperationQueue.h"
 #include "platform/UserDefaults.h"
 #include "platform/ZipArchive.h"
+#include "platform/Signatures.h"
 #include "update/PatchFiles.h"
+#include "update/SignedFiles.h"
 #include "update/UpdateChecker.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QPointer>
 #include <QTimer>
@@ -91,8 +94,10 @@ void Downloader::fillPendingURLs()
 
 void Downloader::startUpdate()
 {
-    if (m_pendingURLs.isEmpty())
+    if (m_pendingURLs.isEmpty()) {
+        m_refusals.clear();
         fillPendingURLs();
+    }
     const UpdateURL next = m_pendingURLs.takeLast();
     qCInfo(lcUpdate).noquote() << "Asking" << next.url.toString() << "(priority" << next.priority << ") for update information";
     const quint64 attempt = m_attempt;
@@ -103,9 +108,12 @@ void Downloader::startUpdate()
             if (self && self->m_attempt == attempt)
                 self->startPatchDownload(info.date, info.url);
         },
-        [self, attempt](const QString &message) {
-            if (self && self->m_attempt == attempt)
-                self->tryNextSource(message);
+        [self, attempt, source = next.url](const QString &message) {
+            if (!self || self->m_attempt != attempt)
+                return;
+            if (self->m_checker.isRefused(source))
+                self->m_refusals.append(UpdateChecker::sourceOf(source) + QStringLiteral(": ") + message);
+            self->tryNextSource(message);
         });
 }
 
@@ -119,8 +127,10 @@ void Downloader::tryNextSource(const QString &message)
             return;
         if (more)
             self->startUpdate();
-        else
+        else if (self->m_refusals.isEmpty())
             self->failWith(1, message);
+        else
+            self->failWith(1, message + QStringLiteral(" (refused: ") + self->m_refusals.join(QStringLiteral("; ")) + QLatin1Char(')'));
     });
 }
 
@@ -134,8 +144,56 @@ void Downloader::startPatchDownload(const QDate &date, const QUrl &url)
     const QUrl patch = url.resolved(QUrl(PatchFiles::archivePath(from, date)));
     m_defaults.setString(url.toString(QUrl::FullyEncoded), DefaultKeys::fullDbUrl);
     m_defaults.setString(downloadStateName(DownloadState::DownloadingPatch), DefaultKeys::downloaderState);
-    qCInfo(lcUpdate).noquote() << "Fetching the patch" << patch.toString();
-    m_session->download(patch);
+    // A patch without a signature is most likely no patch at all: the whole file then, which
+    // must be signed.
+    downloadSigned(patch, date, [this](const QString &) { startFullDownload(); });
+}
+
+void Downloader::downloadSigned(const QUrl &url, const std::optional<QDate> &date, std::function<void(const QString &)> unsigned_)
+{
+    if (!m_checker.requiresSignatures()) {
+        qCInfo(lcUpdate).noquote() << "Fetching" << url.toString();
+        m_session->download(url);
+        return;
+    }
+    // The signature first: small, and kept with the transfer so that a transfer finishing in a
+    // later run is checked against it.
+    const quint64 attempt = m_attempt;
+    QPointer<Downloader> self(this);
+    m_checker.fetchSmall(QUrl(url.toString() + SignedFiles::suffix), [self, attempt, url, date, unsigned_](const QByteArray &signature,
+                                                                                                       const QString &, const QString &problem) {
+        if (!self || self->m_attempt != attempt)
+            return;
+        QString why;
+        if (!problem.isEmpty() || !SignedFiles::parse(signature, &why))
+            return unsigned_(QStringLiteral("no signature (%1)").arg(problem.isEmpty() ? why : problem));
+        QVariantMap pending{{QStringLiteral("url"), url.toString(QUrl::FullyEncoded)}, {QStringLiteral("signature"), signature}};
+        if (date)
+            pending.insert(QStringLiteral("date"), CatalogueDates::formatCompact(*date));
+        self->m_defaults.setObject(pending, DefaultKeys::downloadSignature);
+        qCInfo(lcUpdate).noquote() << "Fetching" << url.toString() << "(signed)";
+        self->m_session->download(url);
+    });
+}
+
+QString Downloader::signatureProblem(const QString &location, QDate *signedDate) const
+{
+    const QVariantMap pending = m_defaults.dictionaryForKey(DefaultKeys::downloadSignature);
+    const QUrl url(pending.value(QStringLiteral("url")).toString());
+    if (url.isEmpty())
+        return QStringLiteral("no signature was fetched for it");
+    const auto date = CatalogueDates::parseCompact(pending.value(QStringLiteral("date")).toString());
+    return SignedFiles::check(pending.value(QStringLiteral("signature")).toByteArray(), Signatures::sha256OfFile(location), url.fileName(),
+                              date, m_checker.trustedKeys(), signedDate);
+}
+
+void Downloader::refuseDownload(const QString &location, const QString &what, const QString &why)
+{
+    const QUrl url(m_defaults.dictionaryForKey(DefaultKeys::downloadSignature).value(QStringLiteral("url")).toString());
+    QFile::remove(location);
+    m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
+    m_checker.refuseSource(url, what, why);
+    failWith(10, QStringLiteral("refused %1 from %2: %3").arg(what, UpdateChecker::sourceOf(url), why));
 }
 
 void Downloader::startFullDownload(const std::optional<QUrl> &url)
@@ -144,8 +202,10 @@ void Downloader::startFullDownload(const std::optional<QUrl> &url)
     m_defaults.setString(downloadStateName(DownloadState::DownloadingDB), DefaultKeys::downloaderState);
     if (!target.isValid() || target.isEmpty())
         return;
-    qCInfo(lcUpdate).noquote() << "Fetching the whole catalogue" << target.toString();
-    m_session->download(target);
+    downloadSigned(target, std::nullopt, [this, target](const QString &why) {
+        m_checker.refuseSource(target, QStringLiteral("the catalogue"), why);
+        failWith(10, QStringLiteral("refused the catalogue from %1: %2").arg(UpdateChecker::sourceOf(target), why));
+    });
 }
 
 void Downloader::failWith(int code, const QString &message)
@@ -163,6 +223,8 @@ void Downloader::sessionDidFinishDownloading(const QString &location, int status
         if (!isHttp)
             return;
         if (success) {
+            if (const QString why = m_checker.requiresSignatures() ? signatureProblem(location) : QString(); !why.isEmpty())
+                return refuseDownload(location, QStringLiteral("the patch"), why);
             toDelegate([](DownloaderDelegate &d) { d.patchStarted(); });
             installPatch(location);
         } else {
@@ -174,9 +236,12 @@ void Downloader::sessionDidFinishDownloading(const QString &location, int status
     case DownloadState::DownloadingDB:
         if (!isHttp)
             return;
-        if (success)
-            installCatalogue(location);
-        else
+        if (success) {
+            QDate signedDate;
+            if (const QString why = m_checker.requiresSignatures() ? signatureProblem(location, &signedDate) : QString(); !why.isEmpty())
+                return refuseDownload(location, QStringLiteral("the catalogue"), why);
+            installCatalogue(location, signedDate);
+        } else
             failWith(3, QStringLiteral("download finished with code ") + QString::number(status));
         return;
     default:
@@ -199,7 +264,7 @@ void Downloader::sessionDidComplete(int errorCode, const QString &message)
     });
 }
 
-void Downloader::installCatalogue(const QString &location)
+void Downloader::installCatalogue(const QString &location, const QDate &signedDate)
 {
     const VerificationResult verification = m_restaurants.verifyDatabase(location);
     const auto fail = [this](int code, const QString &message) {
@@ -220,6 +285,9 @@ void Downloader::installCatalogue(const QString &location)
     case VerificationResult::unknownError: return fail(7, QStringLiteral("something unexpected happened"));
     case VerificationResult::ok: break;
     }
+    // A signed file from an older day renamed and announced as newer: its own date gives it away.
+    if (signedDate.isValid() && verification.date != signedDate)
+        return refuseDownload(location, QStringLiteral("the catalogue"), QStringLiteral("its own date is not the one signed"));
     const QString finalPath = m_restaurants.databasePathForVersionDate(verification.date);
     if (QFileInfo::exists(finalPath))
         return fail(9, QStringLiteral("file ") + QFileInfo(finalPath).fileName() + QStringLiteral(" already exists"));

@@ -85,7 +85,14 @@ private:
     void failWith(int code, const QString &message);
     void sessionDidFinishDownloading(const QString &location, int status, bool isHttp);
     void sessionDidComplete(int errorCode, const QString &message);
-    void installCatalogue(const QString &location);
+    void installCatalogue(const QString &location, const QDate &signedDate);
+    // Fetches `url`, with its signature first when signatures are required; `unsigned_` runs
+    // instead when there is none to be had.
+    void downloadSigned(const QUrl &url, const std::optional<QDate> &date, std::function<void(const QString &why)> unsigned_);
+    // Why the file at `location` isn't the one the kept signature vouches for; empty if it is.
+    QString signatureProblem(const QString &location, QDate *signedDate = nullptr) const;
+    // Deletes the refused file, skips its source for the rest of the run, and fails the update.
+    void refuseDownload(const QString &location, const QString &what, const QString &why);
     void installPatch(const QString &location);
     // Runs `call` on the delegate on the main thread, if there is one by then.
     void toDelegate(std::function<void(DownloaderDelegate &)> call);
@@ -98,6 +105,7 @@ private:
     DownloaderDelegate *m_delegate = nullptr;
     std::function<void()> m_completionHandler;
     QList<UpdateURL> m_pendingURLs; // the last is next
+    QStringList m_refusals;         // sources refused during this attempt, and why
     quint64 m_attempt = 0;          // a cancel makes answers to earlier fetches stale
     BackgroundSession *m_session;
     std::unique_ptr<OperationQueue> m_reloadQueue;

@@ -3,8 +3,11 @@
 #include "catalogue/Restaurants.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Logging.h"
+#include "platform/Paths.h"
 #include "platform/UserDefaults.h"
+#include "update/SignedFiles.h"
 
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QNetworkAccessManager>
 #include <QNetworkInformation>
@@ -43,7 +46,11 @@ UpdateChecker::UpdateChecker(UserDefaults &defaults, Restaurants &restaurants, Q
     : QObject(parent)
     , m_defaults(defaults)
     , m_restaurants(restaurants)
+    , m_trustedKeys(SignedFiles::trustedKeys(Paths::applicationSupport() + QStringLiteral("/trusted-keys")))
 {
+    static bool told = false;
+    if (m_trustedKeys.isEmpty() && !std::exchange(told, true))
+        qCInfo(lcUpdate) << "Updates are unauthenticated: no signing key is trusted (built in, or in Application Support/trusted-keys)";
 }
 
 UpdateChecker::~UpdateChecker() = default;
@@ -137,8 +144,7 @@ bool UpdateChecker::isNewerDatabaseKnown() const
     return known.isValid() && catalogueDate(m_restaurants) < known.date();
 }
 
-void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion,
-                                    std::function<void(const QString &)> failed)
+void UpdateChecker::fetchSmall(const QUrl &url, std::function<void(const QByteArray &, const QString &, const QString &)> done)
 {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
@@ -151,22 +157,60 @@ void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const Up
         if (received > maximumBody)
             reply->abort();
     });
-    connect(reply, &QNetworkReply::finished, this, [reply, completion = std::move(completion), failed = std::move(failed), url] {
+    connect(reply, &QNetworkReply::finished, this, [reply, done = std::move(done)] {
         reply->deleteLater();
         const QByteArray body = reply->read(maximumBody + 1);
-        const bool networkFailure = reply->error() != QNetworkReply::NoError && reply->error() < QNetworkReply::ContentAccessDenied;
-        QString why;
-        const auto info = networkFailure || body.size() > maximumBody ? std::nullopt : parseUpdateInfo(decodedBody(reply, body), &why);
-        if (!info) {
-            if (networkFailure)
-                why = reply->errorString();
-            else if (body.size() > maximumBody)
-                why = QStringLiteral("update info is too long");
-            qCDebug(lcUpdate).noquote() << "No update information from" << url.toString() << why;
-            if (failed)
-                failed(why);
-            return;
-        }
-        completion(*info);
+        if (reply->error() != QNetworkReply::NoError && reply->error() < QNetworkReply::ContentAccessDenied)
+            return done({}, {}, reply->errorString());
+        if (body.size() > maximumBody)
+            return done({}, {}, QStringLiteral("update info is too long"));
+        const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        done(body, decodedBody(reply, body), status >= 400 ? QStringLiteral("HTTP status %1").arg(status) : QString());
     });
 }
+
+void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const UpdateInfo &)> completion,
+                                    std::function<void(const QString &)> failed)
+{
+    const auto fail = [url, failed](const QString &why) {
+        qCDebug(lcUpdate).noquote() << "No update information from" << url.toString() << why;
+        if (failed)
+            failed(why);
+    };
+    if (const QString refusal = m_refused.value(sourceOf(url)); !refusal.isEmpty()) {
+        QTimer::singleShot(0, this, [fail, refusal] { fail(QStringLiteral("refused earlier: ") + refusal); });
+        return;
+    }
+    fetchSmall(url, [this, url, completion = std::move(completion), fail](const QByteArray &body, const QString &text, const QString &problem) {
+        QString why;
+        // The status plays no part: an answer that parses is an announcement.
+        const auto info = body.isEmpty() && !problem.isEmpty() ? std::nullopt : parseUpdateInfo(text, &why);
+        if (!info)
+            return fail(body.isEmpty() && !problem.isEmpty() ? problem : why);
+        if (!requiresSignatures())
+            return completion(*info);
+        const QUrl signatureUrl(url.toString() + SignedFiles::suffix);
+        fetchSmall(signatureUrl, [this, url, info = *info, body, completion, fail](const QByteArray &signature, const QString &, const QString &problem) {
+            const QString refusal = signature.isEmpty() || !problem.isEmpty()
+                ? QStringLiteral("no signature (%1)").arg(problem.isEmpty() ? QStringLiteral("empty") : problem)
+                : SignedFiles::check(signature, QCryptographicHash::hash(body, QCryptographicHash::Sha256), url.fileName(), info.date,
+                                     m_trustedKeys);
+            if (!refusal.isEmpty()) {
+                refuseSource(url, QStringLiteral("the update information"), refusal);
+                return fail(refusal);
+            }
+            completion(info);
+        });
+    });
+}
+
+QString UpdateChecker::sourceOf(const QUrl &url) { return url.adjusted(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo).toString(); }
+
+void UpdateChecker::refuseSource(const QUrl &url, const QString &what, const QString &why)
+{
+    qCWarning(lcUpdate).noquote() << "Refused" << what << "from" << sourceOf(url) << "(" + url.toString() + "):" << why
+                                  << "- that source is skipped until the app restarts";
+    m_refused.insert(sourceOf(url), why);
+}
+
+bool UpdateChecker::isRefused(const QUrl &url) const { return m_refused.contains(sourceOf(url)); }

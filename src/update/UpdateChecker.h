@@ -3,6 +3,7 @@
 #include "update/UpdateInfo.h"
 
 #include <QObject>
+#include <QHash>
 #include <QPointer>
 #include <QTimer>
 #include <QUrl>
@@ -49,6 +50,20 @@ public:
 
     static constexpr qint64 maximumBody = 4096;
 
+    // Signed updates: with at least one key trusted, update information, catalogues and patches
+    // count only with a valid signature from one of them (SignedFiles).
+    const QList<QByteArray> &trustedKeys() const { return m_trustedKeys; }
+    bool requiresSignatures() const { return !m_trustedKeys.isEmpty(); }
+    // A source that served something refused is skipped for the rest of the run.
+    void refuseSource(const QUrl &url, const QString &what, const QString &why);
+    bool isRefused(const QUrl &url) const;
+    // A source is its scheme, host and port.
+    static QString sourceOf(const QUrl &url);
+
+    // A small document: the raw body, the text in its declared charset, and what went wrong (a
+    // network failure with an empty body, or an HTTP error status beside its body).
+    void fetchSmall(const QUrl &url, std::function<void(const QByteArray &body, const QString &text, const QString &problem)> done);
+
 private:
     void reachable();
     QNetworkAccessManager &manager();
@@ -58,4 +73,6 @@ private:
     QNetworkAccessManager *m_manager = nullptr;
     QTimer m_probe;
     bool m_reachabilityBackend = false;
+    QList<QByteArray> m_trustedKeys;
+    QHash<QString, QString> m_refused; // source -> why
 };
