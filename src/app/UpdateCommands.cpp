@@ -212,7 +212,9 @@ int runUpdateNow(int discoverySeconds)
     }
     QCoreApplication::processEvents();
     if (!follower.outcome) {
-        if (!internetAnswered && center.updateURLs().isEmpty())
+        if (!internetAnswered && center.updateURLs().isEmpty() && !checker.refusals().isEmpty())
+            follower.finish(QStringLiteral("failed"), QStringLiteral("refused: ") + checker.refusals().join(QStringLiteral("; ")));
+        else if (!internetAnswered && center.updateURLs().isEmpty())
             follower.finish(QStringLiteral("failed"), QStringLiteral("no update source answered"));
         else if (!checker.isNewerDatabaseKnown() && restaurants.ready())
             follower.finish(QStringLiteral("up-to-date"), QString());

@@ -94,10 +94,8 @@ void Downloader::fillPendingURLs()
 
 void Downloader::startUpdate()
 {
-    if (m_pendingURLs.isEmpty()) {
-        m_refusals.clear();
+    if (m_pendingURLs.isEmpty())
         fillPendingURLs();
-    }
     const UpdateURL next = m_pendingURLs.takeLast();
     qCInfo(lcUpdate).noquote() << "Asking" << next.url.toString() << "(priority" << next.priority << ") for update information";
     const quint64 attempt = m_attempt;
@@ -108,12 +106,9 @@ void Downloader::startUpdate()
             if (self && self->m_attempt == attempt)
                 self->startPatchDownload(info.date, info.url);
         },
-        [self, attempt, source = next.url](const QString &message) {
-            if (!self || self->m_attempt != attempt)
-                return;
-            if (self->m_checker.isRefused(source))
-                self->m_refusals.append(UpdateChecker::sourceOf(source) + QStringLiteral(": ") + message);
-            self->tryNextSource(message);
+        [self, attempt](const QString &message) {
+            if (self && self->m_attempt == attempt)
+                self->tryNextSource(message);
         });
 }
 
@@ -125,12 +120,14 @@ void Downloader::tryNextSource(const QString &message)
     dispatchMain([self, attempt, message, more = !m_pendingURLs.isEmpty()] {
         if (!self || self->m_attempt != attempt)
             return;
+        // Refused sources say why: the last source's word alone would hide it.
+        const QStringList refusals = self->m_checker.refusals();
         if (more)
             self->startUpdate();
-        else if (self->m_refusals.isEmpty())
+        else if (refusals.isEmpty())
             self->failWith(1, message);
         else
-            self->failWith(1, message + QStringLiteral(" (refused: ") + self->m_refusals.join(QStringLiteral("; ")) + QLatin1Char(')'));
+            self->failWith(1, QStringLiteral("refused: ") + refusals.join(QStringLiteral("; ")));
     });
 }
 
@@ -225,6 +222,7 @@ void Downloader::sessionDidFinishDownloading(const QString &location, int status
         if (success) {
             if (const QString why = m_checker.requiresSignatures() ? signatureProblem(location) : QString(); !why.isEmpty())
                 return refuseDownload(location, QStringLiteral("the patch"), why);
+            m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
             toDelegate([](DownloaderDelegate &d) { d.patchStarted(); });
             installPatch(location);
         } else {
@@ -240,6 +238,7 @@ void Downloader::sessionDidFinishDownloading(const QString &location, int status
             QDate signedDate;
             if (const QString why = m_checker.requiresSignatures() ? signatureProblem(location, &signedDate) : QString(); !why.isEmpty())
                 return refuseDownload(location, QStringLiteral("the catalogue"), why);
+            m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
             installCatalogue(location, signedDate);
         } else
             failWith(3, QStringLiteral("download finished with code ") + QString::number(status));

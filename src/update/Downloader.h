@@ -105,7 +105,6 @@ private:
     DownloaderDelegate *m_delegate = nullptr;
     std::function<void()> m_completionHandler;
     QList<UpdateURL> m_pendingURLs; // the last is next
-    QStringList m_refusals;         // sources refused during this attempt, and why
     quint64 m_attempt = 0;          // a cancel makes answers to earlier fetches stale
     BackgroundSession *m_session;
     std::unique_ptr<OperationQueue> m_reloadQueue;

@@ -214,3 +214,12 @@ void UpdateChecker::refuseSource(const QUrl &url, const QString &what, const QSt
 }
 
 bool UpdateChecker::isRefused(const QUrl &url) const { return m_refused.contains(sourceOf(url)); }
+
+QStringList UpdateChecker::refusals() const
+{
+    QStringList list;
+    for (auto it = m_refused.constBegin(); it != m_refused.constEnd(); ++it)
+        list.append(it.key() + QStringLiteral(": ") + it.value());
+    list.sort();
+    return list;
+}

@@ -57,6 +57,8 @@ public:
     // A source that served something refused is skipped for the rest of the run.
     void refuseSource(const QUrl &url, const QString &what, const QString &why);
     bool isRefused(const QUrl &url) const;
+    // "source: why" for each source refused in this run.
+    QStringList refusals() const;
     // A source is its scheme, host and port.
     static QString sourceOf(const QUrl &url);
 
