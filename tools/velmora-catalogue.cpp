@@ -15,6 +15,7 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QElapsedTimer>
+#include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QLoggingCategory>
@@ -144,6 +145,9 @@ int demo(const QStringList &arguments)
     const CatalogueData data = makeDemo(options);
     const QString path = args.value(QStringLiteral("-o")) + QStringLiteral("/velmora-%1.db").arg(CatalogueDates::formatCompact(options.date));
     QString error;
+    // The folder is made as needed, as the README's examples expect.
+    if (!QDir().mkpath(args.value(QStringLiteral("-o"))))
+        return fail(QStringLiteral("can't create %1").arg(args.value(QStringLiteral("-o"))));
     if (!writeCatalogue(data, path, &error))
         return fail(error);
     QJsonObject info = catalogueInfo(path, &error);
