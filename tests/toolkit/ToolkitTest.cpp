@@ -1,4 +1,5 @@
 #include "catalogue/Restaurants.h"
+#include "fixtures/CatalogueFixture.h"
 #include "platform/Compression.h"
 #include "platform/Database.h"
 #include "platform/ZipArchive.h"
@@ -409,4 +410,49 @@ TEST(Toolkit, CollectReceivesHitsAndHitsSummarisesThem)
     EXPECT_EQ(notHits.exitCode, 1);
     EXPECT_TRUE(notHits.err.contains("not a file of collected hits"));
     EXPECT_NE(runTool({QStringLiteral("collect")}).exitCode, 0) << "no --db";
+}
+
+// Catches: a key pair that replaces one in use, a published file left unsigned, a signature that
+// verifies under another key or after a byte changed, and a secret key taken for a public one.
+TEST(Toolkit, KeygenPublishKeyAndVerify)
+{
+    QTemporaryDir dir;
+    const QString keys = dir.filePath(QStringLiteral("keys")), other = dir.filePath(QStringLiteral("other"));
+    ASSERT_EQ(runTool({QStringLiteral("keygen"), QStringLiteral("-o"), keys}).exitCode, 0);
+    ASSERT_EQ(runTool({QStringLiteral("keygen"), QStringLiteral("-o"), other}).exitCode, 0);
+    const ToolRun again = runTool({QStringLiteral("keygen"), QStringLiteral("-o"), keys});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_TRUE(again.err.contains("holds a key already"));
+    EXPECT_EQ(QFile(keys + QStringLiteral("/velmora-signing.key")).permissions() & (QFileDevice::ReadOther | QFileDevice::ReadGroup), 0);
+
+    CatalogueFixture fixture = CatalogueFixture::small();
+    fixture.versionDate = QStringLiteral("20170201");
+    const QString newPath = dir.filePath(QStringLiteral("velmora-20170201.db")), oldPath = dir.filePath(QStringLiteral("velmora-20170101.db"));
+    QString error;
+    ASSERT_TRUE(fixture.write(newPath, &error) && CatalogueFixture::small().write(oldPath, &error)) << error.toStdString();
+    const QString shelf = dir.filePath(QStringLiteral("shelf"));
+    QDir().mkpath(shelf);
+    const ToolRun published = runTool({QStringLiteral("publish"), newPath, oldPath, QStringLiteral("--to"), shelf, QStringLiteral("--base-url"),
+                                       QStringLiteral("http://127.0.0.1:1"), QStringLiteral("--key"), keys + QStringLiteral("/velmora-signing.key")});
+    ASSERT_EQ(published.exitCode, 0) << published.err.constData();
+    const QString pub = keys + QStringLiteral("/velmora-signing.pub");
+    for (const char *file : {"ios/last.txt", "ios/velmora-20170201.db", "ios/u2/update-20170101-20170201.zip"}) {
+        const ToolRun verified = runTool({QStringLiteral("verify"), shelf + QLatin1Char('/') + QLatin1String(file), QStringLiteral("--pub"), pub});
+        EXPECT_EQ(verified.exitCode, 0) << file << ": " << verified.err.constData();
+        EXPECT_TRUE(verified.out.contains("\"20170201\"")) << file;
+        EXPECT_NE(runTool({QStringLiteral("verify"), shelf + QLatin1Char('/') + QLatin1String(file), QStringLiteral("--pub"),
+                           other + QStringLiteral("/velmora-signing.pub")})
+                      .exitCode,
+                  0)
+            << file << " verified under another key";
+    }
+    QFile last(shelf + QStringLiteral("/ios/last.txt"));
+    ASSERT_TRUE(last.open(QIODevice::Append));
+    last.write(" ");
+    last.close();
+    const ToolRun tampered = runTool({QStringLiteral("verify"), last.fileName(), QStringLiteral("--pub"), pub});
+    EXPECT_EQ(tampered.exitCode, 1);
+    EXPECT_TRUE(tampered.err.contains("not the ones signed")) << tampered.err.constData();
+    const ToolRun secretAsPublic = runTool({QStringLiteral("verify"), newPath, QStringLiteral("--pub"), keys + QStringLiteral("/velmora-signing.key")});
+    EXPECT_TRUE(secretAsPublic.err.contains("is not a public key")) << secretAsPublic.err.constData();
 }
