@@ -47,7 +47,8 @@ void BatchingDispatcher::setUp()
 {
     if (rescheduleIfNeeded([this] { setUp(); }))
         return;
-    m_store.now = now;
+    if (m_timer)
+        return; // set up already
     m_store.open();
     m_timer = new QTimer(this);
     connect(m_timer, &QTimer::timeout, this, &BatchingDispatcher::timerFired);

@@ -34,6 +34,7 @@ public:
     ~BatchingDispatcher() override;
 
     // Opens the store on the dispatcher's thread and starts the timer if there is something to send.
+    // Once; later calls do nothing.
     void setUp();
 
     // The settings, each with the value a fresh dispatcher has. Change them before setUp or on

@@ -56,7 +56,10 @@ void HttpExchange::send()
         target = "/";
     if (url.hasQuery())
         target += '?' + url.query(QUrl::FullyEncoded).toLatin1();
-    QByteArray head = m_request.method + ' ' + target + " HTTP/1.1\r\nHost: " + url.host(QUrl::FullyEncoded).toLatin1();
+    QByteArray host = url.host(QUrl::FullyEncoded).toLatin1();
+    if (host.contains(':'))
+        host = '[' + host + ']'; // an IPv6 literal
+    QByteArray head = m_request.method + ' ' + target + " HTTP/1.1\r\nHost: " + host;
     if (url.port() != -1)
         head += ':' + QByteArray::number(url.port());
     head += "\r\nConnection: close\r\n";

@@ -131,7 +131,6 @@ TEST(Dispatcher, TheServiceAnswerDecidesWhatStays)
     Rig rig;
     rig.dispatcher->now = testClock;
     clockMs = 1'700'000'000'000;
-    rig.dispatcher->setUp();
     rig.queue(3);
     rig.collector.batchStatusOverride = 404;
     EXPECT_EQ(rig.dispatchNow(), Result::Error);
@@ -227,7 +226,6 @@ TEST(Dispatcher, BadHitsAndClocksCostNothing)
     Rig rig;
     rig.dispatcher->now = testClock;
     clockMs = 1'700'000'000'000;
-    rig.dispatcher->setUp();
     rig.queue(1, 9000);
     EXPECT_EQ(rig.dispatcher->store().hitCount(), 0) << "larger than the hit limit";
     rig.dispatcher->maxHitSize = 0;
