@@ -8,8 +8,14 @@
 // at least N kills (50 by default) really happened. The same program is the child it kills:
 //   analytics_crash_harness --child STORE URL RUN   queue and dispatch until killed
 //   analytics_crash_harness --drain STORE URL       dispatch until the store is empty
+//
+//   analytics_crash_harness --uncaught-exception
+// checks instead that a C++ exception nothing catches is stored as an exception hit before the
+// process ends.
 
 #include "analytics/BatchingDispatcher.h"
+#include "analytics/HitStore.h"
+#include "analytics/Measurement.h"
 #include "platform/Database.h"
 
 #include <QCoreApplication>
@@ -24,6 +30,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <stdexcept>
 #include <unistd.h>
 
 namespace {
@@ -92,6 +99,26 @@ int drain(const QString &store, const QString &url)
     return 1;
 }
 
+// The child throws; the parent finds the exception in the store the child left.
+int uncaughtException()
+{
+    QTemporaryDir dir;
+    const QString store = dir.filePath(QStringLiteral("hits.sqlite"));
+    QProcess child;
+    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--throw"), store});
+    child.waitForFinished(30000);
+    HitStore hits(store);
+    hits.open();
+    for (const Hit &hit : hits.fetchHits(10))
+        if (hit.parameters.value(QStringLiteral("&t")) == QLatin1String("exception")
+            && hit.parameters.value(QStringLiteral("&exd")) == QLatin1String("the harness threw this")) {
+            out << "the uncaught exception was stored as a hit" << Qt::endl;
+            return child.exitStatus() == QProcess::CrashExit ? 0 : 1;
+        }
+    out << "no exception hit in the store; the child said: " << child.readAllStandardError() << Qt::endl;
+    return 1;
+}
+
 QSet<QString> collectedLabels(const QString &database, int &rows)
 {
     QSet<QString> labels;
@@ -115,6 +142,15 @@ int main(int argc, char *argv[])
         return child(args.at(1), args.at(2), args.at(3));
     if (args.value(0) == QLatin1String("--drain") && args.size() == 3)
         return drain(args.at(1), args.at(2));
+    if (args.value(0) == QLatin1String("--uncaught-exception"))
+        return uncaughtException();
+    if (args.value(0) == QLatin1String("--throw") && args.size() == 2) {
+        Measurement &measurement = Measurement::sharedInstance();
+        QString error;
+        measurement.start({QUrl(QStringLiteral("http://127.0.0.1:9/")), QStringLiteral("T"), QStringLiteral("C"), args.at(1), 0}, &error);
+        measurement.setTrackUncaughtExceptions(true);
+        throw std::runtime_error("the harness threw this");
+    }
     if (args.contains(QStringLiteral("--help"))) {
         out << "usage: analytics_crash_harness --tool VELMORA-CATALOGUE [--kills N]" << Qt::endl;
         return 0;
