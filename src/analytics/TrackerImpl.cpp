@@ -34,13 +34,10 @@ bool TrackerImpl::shouldRateLimit(double nowSeconds)
     return true;
 }
 
-void TrackerImpl::willSendScreenView()
+bool TrackerImpl::willSendScreenView()
 {
     // The first screen of the process opens the session, which batching by session cuts at.
-    if (!m_sessionStarted) {
-        m_sessionStarted = true;
-        m_model.insert(QStringLiteral("&sc"), QStringLiteral("start"));
-    }
+    return !std::exchange(m_sessionStarted, true);
 }
 
 void TrackerImpl::send(const HitParameters &parameters)
@@ -57,14 +54,16 @@ void TrackerImpl::send(const HitParameters &parameters)
         }
     }
     const QString effectiveType = type.isEmpty() ? m_model.value(QStringLiteral("&t")) : type;
-    if (effectiveType.isEmpty() || effectiveType == QLatin1String("appview") || effectiveType == QLatin1String("screenview"))
-        willSendScreenView();
+    const bool opensSession = (effectiveType.isEmpty() || effectiveType == QLatin1String("appview")
+                               || effectiveType == QLatin1String("screenview"))
+                              && willSendScreenView();
     m_model.insert(QStringLiteral("&_u"), QString::number(++m_usageSequence));
     HitParameters hit = m_model;
+    if (opensSession)
+        hit.insert(QStringLiteral("&sc"), QStringLiteral("start"));
     hit.insert(parameters);
     // Tells one hit from another at the service, so a hit sent twice shows as such.
     hit.insert(QStringLiteral("&z"), QString::number(QRandomGenerator::global()->generate64()));
-    m_model.remove(QStringLiteral("&sc"));
     if (m_queueModel)
         m_queueModel(hit);
 }

@@ -34,7 +34,8 @@ public:
     double trackingCredits() const { return m_trackingCredits; }
 
 private:
-    void willSendScreenView();
+    // True for the first screen view of the process: it opens the session.
+    bool willSendScreenView();
 
     mutable QMutex m_lock;
     std::function<void(const HitParameters &)> m_queueModel;

@@ -3,7 +3,6 @@
 #include "CatalogueWriter.h"
 #include "PatchBuilder.h"
 #include "Signing.h"
-#include "update/SignedFiles.h"
 #include "catalogue/CatalogueDates.h"
 #include "catalogue/Restaurants.h"
 #include "update/PatchFiles.h"
@@ -73,14 +72,8 @@ bool publish(const QString &newPath, const QStringList &oldPaths, const QString 
             return file.open(QIODevice::WriteOnly) && file.write(formatUpdateInfo(info).toUtf8()) > 0;
         }))
         return false;
-    if (signing) {
-        const QByteArray signature = signFile(staged, QStringLiteral("last.txt"), date, secretKey, error);
-        if (signature.isEmpty() || !writeAtomically(lastTxt + SignedFiles::suffix, error, [&](const QString &temporary) {
-                QFile file(temporary);
-                return file.open(QIODevice::WriteOnly) && file.write(signature) == signature.size();
-            }))
-            return false;
-    }
+    if (signing && !signPublishedFile(staged, date, secretKey, error, lastTxt))
+        return false;
     if (std::rename(QFile::encodeName(staged).constData(), QFile::encodeName(lastTxt).constData()) != 0) {
         *error = QStringLiteral("can't write %1").arg(lastTxt);
         return false;

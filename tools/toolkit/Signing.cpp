@@ -57,8 +57,9 @@ QByteArray signFile(const QString &path, const QString &name, const QDate &date,
     return message + "key: " + Signatures::publicKeyFor(secretKey).toBase64() + "\nsignature: " + signature.toBase64() + '\n';
 }
 
-bool signPublishedFile(const QString &path, const QDate &date, const QByteArray &secretKey, QString *error)
+bool signPublishedFile(const QString &path, const QDate &date, const QByteArray &secretKey, QString *error, const QString &publishedPath)
 {
-    const QByteArray text = signFile(path, QFileInfo(path).fileName(), date, secretKey, error);
-    return !text.isEmpty() && writeText(path + SignedFiles::suffix, text, false, error);
+    const QString published = publishedPath.isEmpty() ? path : publishedPath;
+    const QByteArray text = signFile(path, QFileInfo(published).fileName(), date, secretKey, error);
+    return !text.isEmpty() && writeText(published + SignedFiles::suffix, text, false, error);
 }

@@ -10,8 +10,10 @@
 // DIR/velmora-signing.key (owner-only) and DIR/velmora-signing.pub; refuses to replace a key.
 bool writeKeyPair(const QString &directory, QString *error);
 
-// Writes FILE.sig for the file at `path`, published as its own name for `date`.
-bool signPublishedFile(const QString &path, const QDate &date, const QByteArray &secretKey, QString *error);
+// Writes PUBLISHED.sig for the file at `path`, to be published as `publishedPath` (by default
+// `path` itself: a file staged under another name is signed for the name it will have).
+bool signPublishedFile(const QString &path, const QDate &date, const QByteArray &secretKey, QString *error,
+                       const QString &publishedPath = {});
 
 // The .sig text; empty with `error` set when the file can't be read or the key isn't one.
 QByteArray signFile(const QString &path, const QString &name, const QDate &date, const QByteArray &secretKey, QString *error);
