@@ -68,17 +68,18 @@ void BatchingDispatcher::queueDispatch(const HitParameters &parameters)
         return;
     if (!HitEncoding::passesSampling(parameters))
         return;
+    const qint64 timestamp = currentTime();
+    // Checked before numbering, so a dropped hit leaves no gap in the numbers.
+    if (maxHitSize > 0 && HitEncoding::parametersForHit({0, parameters, timestamp}, timestamp).size() > maxHitSize) {
+        qCWarning(lcAnalytics) << "A hit larger than" << maxHitSize << "bytes was dropped";
+        return;
+    }
     HitParameters hit = parameters;
     const QString trackingId = hit.value(QStringLiteral("&tid"));
     if (!trackingId.isEmpty()) {
         const QString number = m_store.nextHitNumberForTrackingId(trackingId, hit.value(QStringLiteral("&cid")));
         if (!number.isEmpty())
             hit.insert(QStringLiteral("&_s"), number);
-    }
-    const qint64 timestamp = currentTime();
-    if (maxHitSize > 0 && HitEncoding::parametersForHit({0, hit, timestamp}, timestamp).size() > maxHitSize) {
-        qCWarning(lcAnalytics) << "A hit larger than" << maxHitSize << "bytes was dropped";
-        return;
     }
     if (!m_store.addHit(hit, timestamp))
         return;
