@@ -225,7 +225,8 @@ int verify(const QStringList &arguments)
     if (!signature.open(QIODevice::ReadOnly))
         return fail(QStringLiteral("no signature %1").arg(signature.fileName()));
     QDate signedDate;
-    const QString why = SignedFiles::check(signature.read(4096), Signatures::sha256OfFile(file), QFileInfo(file).fileName(), std::nullopt,
+    const QString why = SignedFiles::check(signature.read(SignedFiles::maximumSignatureBytes + 1), QFileInfo(file).size(),
+                                           Signatures::sha256OfFile(file), {QFileInfo(file).fileName(), std::nullopt, std::nullopt},
                                            {publicKey}, &signedDate);
     if (!why.isEmpty())
         return fail(QStringLiteral("%1: %2").arg(file, why));

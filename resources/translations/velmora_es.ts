@@ -734,6 +734,10 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>settings_dev_keep_old_dbs</source>
         <translation>Keep all DBs, even those which aren't the newest</translation>
     </message>
+    <message id="settings_dev_allow_unsigned_updates">
+        <source>settings_dev_allow_unsigned_updates</source>
+        <translation>Install unsigned updates when no key is trusted</translation>
+    </message>
     <message id="settings_dev_enable_subscribe">
         <source>settings_dev_enable_subscribe</source>
         <translation>Force enable subscriptions</translation>

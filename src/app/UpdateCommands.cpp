@@ -18,6 +18,7 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <memory>
 #include <optional>
 
 namespace {
@@ -26,24 +27,32 @@ namespace {
 // Internet answered. The Internet gets 60 s beyond discovery at most.
 bool askAllSources(UpdateChecker &checker, int discoverySeconds)
 {
-    QEventLoop loop;
-    bool answered = false, internetDone = false, discoveryOver = false;
-    const auto finishWhenBothAreOver = [&] {
-        if (internetDone && discoveryOver)
-            loop.quit();
+    // The answer may come after this returns (the loop's own time-out ends it first): what the
+    // callback writes is shared with it, never a local of a returned function.
+    struct Progress {
+        QEventLoop loop;
+        bool answered = false, internetDone = false, discoveryOver = false;
+        void finishWhenBothAreOver()
+        {
+            if (internetDone && discoveryOver)
+                loop.quit();
+        }
     };
-    checker.checkInternet(0, [&](bool ok) {
-        answered = ok;
-        internetDone = true;
-        finishWhenBothAreOver();
+    const auto progress = std::make_shared<Progress>();
+    checker.checkInternet(0, [weak = std::weak_ptr<Progress>(progress)](bool ok) {
+        if (const auto p = weak.lock()) {
+            p->answered = ok;
+            p->internetDone = true;
+            p->finishWhenBothAreOver();
+        }
     });
-    QTimer::singleShot(discoverySeconds * 1000, &loop, [&] {
-        discoveryOver = true;
-        finishWhenBothAreOver();
+    QTimer::singleShot(discoverySeconds * 1000, &progress->loop, [p = progress.get()] {
+        p->discoveryOver = true;
+        p->finishWhenBothAreOver();
     });
-    QTimer::singleShot(discoverySeconds * 1000 + 60000, &loop, &QEventLoop::quit);
-    loop.exec();
-    return answered;
+    QTimer::singleShot(discoverySeconds * 1000 + 60000, &progress->loop, &QEventLoop::quit);
+    progress->loop.exec();
+    return progress->answered;
 }
 
 QString isoDate(const std::optional<QDate> &date) { return date ? date->toString(Qt::ISODate) : QString(); }

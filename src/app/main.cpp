@@ -72,7 +72,11 @@ int main(int argc, char *argv[])
         bool given = false;
         const int discovery = qEnvironmentVariableIntValue("VELMORA_DISCOVERY_SECONDS", &given);
         const int seconds = given ? qMax(0, discovery) : 4;
-        return options.updateNow ? runUpdateNow(seconds) : runUpdateCheck(seconds);
+        const int status = options.updateNow ? runUpdateNow(seconds) : runUpdateCheck(seconds);
+        // As in the window's path: no background read of the catalogue (the search index's
+        // build, the listing read ahead) may outlive main, whose statics go next.
+        Restaurants::shared().waitForSearchIndex();
+        return status;
     }
 
     QGuiApplication app(argc, argv);

@@ -134,9 +134,19 @@ public:
     // Written by the price filter panel; no query depends on it.
     int pricePolicy = 0;
 
+    // Bounds of a patch's scripts (see applyPendingPatch).
+    static constexpr int maximumPatchScripts = 5000;
+    static constexpr qint64 patchTimeBudgetMs = 60'000;       // followed by the Downloader
+    static constexpr qint64 patchTimeBudgetAtStartMs = 3'000; // at a start, which waits for it
+    static constexpr int maximumPatchGrowth = 2;              // times the catalogue it starts from
+    static constexpr qint64 minimumPatchedFileBytes = 16 * 1024 * 1024;
+
     // Applies the patch noted under "patch-available" to a copy of the catalogue at `path`
     // (version `date`) and moves the result into Documents under its new date. True when it did
-    // and a reload is queued; false for every failure, the catalogue at `path` untouched.
+    // and a reload is queued; false for every failure, the catalogue at `path` untouched. The
+    // patch must lie in Application Support/patch; its scripts may only change rows, within the
+    // bounds above, and the result must pass the checks of a new catalogue. A patch that fails
+    // asks for the whole file (at a start, through the setting "full-db-wanted").
     bool applyPendingPatch(const QString &path, QDate date);
     // Who hears of a patch's progress and end; may be null. Not owned.
     void setPatchDelegate(PatchDelegate *delegate);

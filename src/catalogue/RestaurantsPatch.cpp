@@ -45,13 +45,18 @@ PatchRun runScripts(Database &patch, Database &work, const SqlSandbox &sandbox, 
         run.total = row.intForColumn(0);
         return false;
     });
-    if (counted) {
+    if (counted && run.total > Restaurants::maximumPatchScripts) {
+        run.success = false;
+        run.failure = QStringLiteral("%1 scripts, more than the %2 a patch may hold").arg(run.total).arg(Restaurants::maximumPatchScripts);
+    } else if (counted) {
         work.enterSandbox(sandbox);
         patch.forEachRow(QStringLiteral("SELECT patch FROM updates ORDER BY number"), {}, [&](const ResultSet &row) {
             const QVariant script = row.valueForColumn(0);
             if (!script.isNull() && !work.executeStatements(script.toString())) {
                 run.success = false;
                 run.failure = QStringLiteral("script %1 of %2: %3").arg(run.applied + 1).arg(run.total).arg(work.lastErrorMessage());
+                if (work.sandboxTimeIsUp())
+                    run.failure += QStringLiteral(" (the patch's time is up)");
                 return false;
             }
             ++run.applied;
@@ -117,12 +122,26 @@ bool Restaurants::applyPendingPatch(const QString &path, QDate date)
         qCWarning(lcCatalogue).noquote() << "Patch" << patchPath << "not applied:" << message;
         if (delegate)
             delegate->patchFailed(message, action);
+        else if (action == PatchFailedAction::downloadFullDB)
+            defaults->setBool(true, DefaultKeys::fullDownloadWanted); // heard by the next Downloader made
         return false;
     };
+    // Only a file of the patch folder is ever deleted: the setting names a path, and a path
+    // anywhere else (the settings store itself) is nothing this step may touch.
+    const QString patchFolder = m_env.applicationSupport.isEmpty()
+                                    ? QString()
+                                    : QDir(QDir(m_env.applicationSupport).filePath(QStringLiteral("patch"))).absolutePath();
+    const bool inPatchFolder = !patchFolder.isEmpty() && QFileInfo(patchPath).absolutePath() == patchFolder;
     const auto forgetPatch = [&] {
         defaults->removeObjectForKey(DefaultKeys::patchAvailable);
-        QFile::remove(patchPath);
+        if (inPatchFolder)
+            QFile::remove(patchPath);
     };
+    if (!inPatchFolder) {
+        qCWarning(lcCatalogue).noquote() << "Ignoring a patch outside" << patchFolder << ":" << patchPath;
+        forgetPatch();
+        return false;
+    }
 
     if (!QFileInfo::exists(patchPath))
         defaults->removeObjectForKey(DefaultKeys::patchAvailable);
@@ -145,13 +164,22 @@ bool Restaurants::applyPendingPatch(const QString &path, QDate date)
     markExcludedFromBackup(work);
     crashPoint("patch-copied");
 
+    // The scripts came from the network: rows only, a few seconds when nobody follows (a start
+    // waits for this), and the file no bigger than a multiple of the catalogue it starts from.
+    sandbox.rowsOnly = true;
+    if (sandbox.maxMilliseconds == 0)
+        sandbox.maxMilliseconds = delegate ? patchTimeBudgetMs : patchTimeBudgetAtStartMs;
+    if (sandbox.maxFileBytes == 0)
+        sandbox.maxFileBytes = qMax<qint64>(QFileInfo(path).size() * maximumPatchGrowth, minimumPatchedFileBytes);
     PatchRun run;
     {
         Database patch(patchPath);
         Database copy(work);
         patch.openWithFlags(Database::ReadOnly);
-        if (!copy.openWithFlags(Database::ReadWrite) || !copy.setKey(dbkey))
+        if (!copy.openWithFlags(Database::ReadWrite) || !copy.setKey(dbkey)) {
+            QFile::remove(work);
             return false;
+        }
         run = runScripts(patch, copy, sandbox, [delegate](int done, int total) {
             if (delegate)
                 delegate->patchProgress(done, total);
@@ -177,6 +205,16 @@ bool Restaurants::applyPendingPatch(const QString &path, QDate date)
     if (!version) {
         QFile::remove(work);
         return failed(QStringLiteral("Couldn't read version from new db"), PatchFailedAction::downloadFullDB);
+    }
+    // The result is a candidate like a downloaded file: newer than the catalogue it came from,
+    // and passing every check the load makes (the key, the tables and columns the screens read,
+    // every page), before it takes that catalogue's place.
+    QString fault = *version > date ? catalogueFault(work)
+                                    : QStringLiteral("its date %1 is not after %2").arg(CatalogueDates::formatCompact(*version), from);
+    if (!fault.isEmpty()) {
+        QFile::remove(work);
+        qCWarning(lcCatalogue).noquote() << "The patched catalogue is refused:" << fault;
+        return failed(QStringLiteral("the patched catalogue fails its checks"), PatchFailedAction::downloadFullDB);
     }
     const QString finalPath = QDir(m_env.documents).filePath(CatalogueFiles::catalogueFileName(*version));
     QString error;

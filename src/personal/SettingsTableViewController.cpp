@@ -28,6 +28,7 @@ const std::pair<const char *, const QString *> developerToggles[] = {
     {"settings_dev_opinions", &DefaultKeys::devEnableOpinions},
     {"settings_dev_update_always", &DefaultKeys::devUpdateAlwaysEnabled},
     {"settings_dev_keep_old_dbs", &DefaultKeys::devKeepOldDbs},
+    {"settings_dev_allow_unsigned_updates", &DefaultKeys::devAllowUnsignedUpdates},
     {"settings_dev_enable_subscribe", &DefaultKeys::devEnableSubscribe},
 };
 const char *developerCommands[] = {"user-defaults", "build-fts-index", "reload-database", "clear-nsurl-cache", "shake", "delete-database"};

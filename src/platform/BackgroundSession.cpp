@@ -4,6 +4,7 @@
 #include "platform/FaultInjection.h"
 #include "platform/Logging.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -19,7 +20,11 @@ struct BackgroundSession::Task {
     qint64 expected = -1; // the whole body's size, when the server said
     int status = 0;
     bool isHttp = false;
-    int resumes = 0;       // lost connections resumed since bytes last arrived
+    qint64 size = -1;      // the signed size the body must have; -1 when unknown
+    qint64 startedMs = 0;  // when the task began, for its overall deadline
+    int resumes = 0;       // lost connections resumed since the file last grew well
+    qint64 resumedAt = 0;  // the file's size at the last resume
+    int restarts = 0;      // times the server sent the file from its start again
     qint64 offset = 0;     // where the body of the reply under way starts in the file
 };
 
@@ -70,6 +75,7 @@ BackgroundSession::BackgroundSession(const QString &identifier, const QString &d
     QFile::remove(m_finishedPath);
     m_retry.setSingleShot(true);
     connect(&m_retry, &QTimer::timeout, this, &BackgroundSession::start);
+    connect(&m_throughput, &QTimer::timeout, this, &BackgroundSession::checkThroughput);
 }
 
 BackgroundSession::~BackgroundSession()
@@ -90,6 +96,9 @@ bool BackgroundSession::saveRecord() const
         {QStringLiteral("expected"), m_task->expected},
         {QStringLiteral("status"), m_task->status},
         {QStringLiteral("http"), m_task->isHttp},
+        {QStringLiteral("size"), m_task->size},
+        {QStringLiteral("started"), m_task->startedMs},
+        {QStringLiteral("restarts"), m_task->restarts},
     };
     QString error;
     if (!DurableFiles::writeFile(m_recordPath, QJsonDocument(record).toJson(QJsonDocument::Compact), &error)) {
@@ -112,6 +121,9 @@ std::unique_ptr<BackgroundSession::Task> BackgroundSession::loadRecord() const
     task->expected = qint64(record.value(QStringLiteral("expected")).toDouble(-1));
     task->status = record.value(QStringLiteral("status")).toInt();
     task->isHttp = record.value(QStringLiteral("http")).toBool();
+    task->size = qint64(record.value(QStringLiteral("size")).toDouble(-1));
+    task->startedMs = qint64(record.value(QStringLiteral("started")).toDouble(0));
+    task->restarts = record.value(QStringLiteral("restarts")).toInt();
     return task->url.isValid() ? std::move(task) : nullptr;
 }
 
@@ -128,7 +140,7 @@ void BackgroundSession::resumePendingTask()
     start();
 }
 
-void BackgroundSession::download(const QUrl &url)
+void BackgroundSession::download(const QUrl &url, qint64 size)
 {
     if (m_reply) {
         m_reply->disconnect(this);
@@ -140,24 +152,34 @@ void BackgroundSession::download(const QUrl &url)
     // A partial file of the same URL, from this run or an earlier one, is resumed; of another, it goes.
     if (!m_task)
         m_task = loadRecord();
-    if (!m_task || m_task->url != url) {
+    if (!m_task || m_task->url != url || m_task->size != size) {
         QFile::remove(m_bodyPath);
         m_task = std::make_unique<Task>();
         m_task->url = url;
+        m_task->size = size;
     }
+    // A new request: its own deadline and counts, whatever an earlier one spent.
+    m_task->startedMs = QDateTime::currentMSecsSinceEpoch();
     m_task->resumes = 0;
+    m_task->restarts = 0;
+    m_task->resumedAt = QFileInfo(m_bodyPath).size();
     saveRecord();
     start();
 }
 
+qint64 BackgroundSession::cap() const { return m_task && m_task->size >= 0 ? m_task->size : m_limits.hardCapBytes; }
+
 void BackgroundSession::start()
 {
+    if (m_task->startedMs > 0 && QDateTime::currentMSecsSinceEpoch() - m_task->startedMs > m_limits.overallMilliseconds)
+        return failTask(TimedOut, QStringLiteral("the transfer took longer than allowed"), true);
     const qint64 have = QFileInfo(m_bodyPath).size();
     QNetworkRequest request(m_task->url);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
     request.setMaximumRedirectsAllowed(5);
-    request.setTransferTimeout(60000);
+    // No transfer time-out of the network stack's: it ends a reply as if the user had cancelled
+    // it. The throughput check below calls a stall what it is, a lost connection.
     request.setRawHeader("Accept-Encoding", "identity");
     const QByteArray validator = !m_task->etag.isEmpty() && !m_task->etag.startsWith("W/") ? m_task->etag : m_task->lastModified;
     m_task->offset = 0;
@@ -168,6 +190,10 @@ void BackgroundSession::start()
         request.setRawHeader("If-Range", validator);
         m_task->offset = have;
     }
+    m_abortCode = 0;
+    m_abortMessage.clear();
+    m_windowBytes = 0;
+    m_throughput.start(m_limits.stallMilliseconds);
     m_reply = m_manager->get(request);
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &BackgroundSession::headersArrived);
     connect(m_reply, &QNetworkReply::readyRead, this, &BackgroundSession::readBody);
@@ -196,6 +222,8 @@ void BackgroundSession::headersArrived()
             deliverFinished(200, true);
             return;
         }
+        if (++m_task->restarts > m_limits.maximumRestarts)
+            return failTask(NetworkConnectionLost, QStringLiteral("the server keeps sending the file from its start"), false);
         QFile::remove(m_bodyPath);
         m_task->etag.clear();
         m_task->lastModified.clear();
@@ -210,6 +238,9 @@ void BackgroundSession::headersArrived()
             m_reply->disconnect(this);
             m_reply->abort();
             m_reply->deleteLater();
+            m_reply = nullptr;
+            if (++m_task->restarts > m_limits.maximumRestarts)
+                return failTask(NetworkConnectionLost, QStringLiteral("the server keeps sending the file from its start"), false);
             QFile::remove(m_bodyPath);
             m_task->etag.clear();
             m_task->lastModified.clear();
@@ -221,6 +252,17 @@ void BackgroundSession::headersArrived()
         m_task->status = 200; // the whole body, once this part is appended
     } else if (m_task->offset > 0) {
         qCInfo(lcUpdate) << "The file changed on the server: the transfer starts again from zero";
+        if (++m_task->restarts > m_limits.maximumRestarts) {
+            m_task->offset = 0;
+            return abortReply(NetworkConnectionLost, QStringLiteral("the server keeps sending the file from its start"));
+        }
+    }
+    // Known too big before a byte is kept: the signed size, or the cap, says no.
+    const bool success = m_task->isHttp && m_task->status >= 200 && m_task->status <= 299;
+    if (success && expected >= 0 && (expected > cap() || (m_task->size >= 0 && expected != m_task->size))) {
+        m_task->offset = 0;
+        return abortReply(DataLengthExceedsMaximum,
+                          QStringLiteral("the server announces %1 bytes where %2 are allowed").arg(expected).arg(cap()));
     }
     m_task->offset = partStart;
     m_task->expected = expected;
@@ -239,12 +281,19 @@ void BackgroundSession::readBody()
         headersArrived(); // not every scheme announces its headers
     if (!m_body.isOpen() || !m_reply)
         return;
-    const QByteArray bytes = m_reply->readAll();
+    const bool success = m_task->isHttp && m_task->status >= 200 && m_task->status <= 299;
+    // An error page is read whole only up to a modest size; a body up to the cap.
+    const qint64 limit = success ? cap() : 64 * 1024;
+    const QByteArray bytes = m_reply->read(qMax<qint64>(0, limit - m_body.size()) + 1);
     if (bytes.isEmpty())
         return;
-    m_body.write(bytes);
-    m_body.flush();
-    m_task->resumes = 0;
+    if (m_body.size() + bytes.size() > limit)
+        return abortReply(DataLengthExceedsMaximum, QStringLiteral("the body goes past the %1 bytes allowed").arg(limit));
+    if (m_body.write(bytes) != bytes.size() || !m_body.flush())
+        return abortReply(CannotWriteToFile, QStringLiteral("the download can't be stored: ") + m_body.errorString());
+    m_windowBytes += bytes.size();
+    if (m_body.size() - m_task->resumedAt >= m_limits.progressThatResetsResumes)
+        m_task->resumes = 0;
     crashPoint("transfer-data");
     if (m_task->isHttp && m_task->status >= 200 && m_task->status <= 299)
         emit didWriteData(m_body.size(), m_task->expected);
@@ -254,16 +303,24 @@ void BackgroundSession::finished()
 {
     QNetworkReply *reply = m_reply;
     reply->deleteLater();
-    if (reply->bytesAvailable() > 0)
+    if (reply->bytesAvailable() > 0 && !m_abortCode)
         readBody();
     // Headers seen only now may have ended the task or started it afresh: nothing more to do here.
     if (m_reply != reply)
         return;
     m_reply = nullptr;
+    m_throughput.stop();
     const qint64 have = m_body.isOpen() ? m_body.size() : QFileInfo(m_bodyPath).size();
     m_body.close();
 
+    // Too big, the disk full, or sent from the start once too often: a second try ends the
+    // same way, so the task ends here and its partial file goes.
+    if (const int aborted = std::exchange(m_abortCode, 0))
+        return failTask(aborted, m_abortMessage, false);
     int code = reply->error() == QNetworkReply::NoError ? 0 : urlErrorCode(reply->error());
+    if (m_abortMessage.size() && code == Cancelled)
+        code = TimedOut;
+    const QString errorText = code == TimedOut && !m_abortMessage.isEmpty() ? std::exchange(m_abortMessage, QString()) : reply->errorString();
     // An HTTP answer with an error status is still a finished download; only transport faults fail.
     if (m_task->isHttp && reply->error() > QNetworkReply::UnknownProxyError)
         code = 0;
@@ -271,18 +328,19 @@ void BackgroundSession::finished()
     if (code == 0 && m_task->isHttp && m_task->status == 200 && m_task->expected >= 0 && have < m_task->expected)
         code = NetworkConnectionLost;
     if (code != 0) {
-        if (isLostConnection(code) && m_task->resumes < maximumResumes) {
+        if (isLostConnection(code) && m_task->resumes < m_limits.maximumResumes) {
             ++m_task->resumes;
-            qCInfo(lcUpdate).noquote() << "Transfer interrupted at" << have << "bytes:" << reply->errorString() << "- resuming";
+            m_task->resumedAt = have;
+            qCInfo(lcUpdate).noquote() << "Transfer interrupted at" << have << "bytes:" << errorText << "- resuming";
             m_retry.start(500 * (1 << m_task->resumes));
             return;
         }
         // The partial file and its record stay for a later task of the same URL.
-        qCWarning(lcUpdate).noquote() << "Transfer of" << m_task->url.toString() << "failed:" << reply->errorString();
-        const QString message = reply->errorString();
-        emit didComplete(code, message);
-        return;
+        return failTask(code, errorText, true);
     }
+    // The signed size is the whole body: anything else is no use (a short body resumes above).
+    if (m_task->size >= 0 && m_task->isHttp && m_task->status == 200 && have != m_task->size)
+        return failTask(DataLengthExceedsMaximum, QStringLiteral("the body has %1 bytes, not the %2 signed").arg(have).arg(m_task->size), false);
     deliverFinished(m_task->status, m_task->isHttp);
 }
 
@@ -301,6 +359,52 @@ void BackgroundSession::deliverFinished(int status, bool isHttp)
     emit didComplete(0, QString());
 }
 
+void BackgroundSession::abortReply(int code, const QString &message)
+{
+    m_abortCode = code;
+    m_abortMessage = message;
+    qCWarning(lcUpdate).noquote() << "Transfer of" << m_task->url.toString() << "stopped:" << message;
+    if (m_reply)
+        m_reply->abort(); // finished() follows and ends the task
+}
+
+void BackgroundSession::checkThroughput()
+{
+    if (!m_reply) {
+        m_throughput.stop();
+        return;
+    }
+    // A trickle is a stall: ended as the lost connection it is, and resumed from where it got.
+    if (m_windowBytes < m_limits.minimumBytesPerWindow) {
+        m_abortCode = 0;
+        m_abortMessage = QStringLiteral("the connection stalled (%1 bytes in %2 ms)").arg(m_windowBytes).arg(m_limits.stallMilliseconds);
+        qCInfo(lcUpdate).noquote() << "Transfer of" << m_task->url.toString() << m_abortMessage;
+        m_reply->abort();
+        return;
+    }
+    m_windowBytes = 0;
+}
+
+void BackgroundSession::failTask(int code, const QString &message, bool keepPartial)
+{
+    m_retry.stop();
+    m_throughput.stop();
+    m_abortMessage.clear();
+    if (m_reply) {
+        m_reply->disconnect(this);
+        m_reply->abort();
+        m_reply->deleteLater();
+        m_reply = nullptr;
+    }
+    m_body.close();
+    qCWarning(lcUpdate).noquote() << "Transfer of" << m_task->url.toString() << "failed:" << message;
+    if (keepPartial)
+        saveRecord();
+    else
+        endTask();
+    emit didComplete(code, message);
+}
+
 void BackgroundSession::endTask()
 {
     QFile::remove(m_bodyPath);
@@ -311,6 +415,9 @@ void BackgroundSession::endTask()
 void BackgroundSession::cancelAll()
 {
     m_retry.stop();
+    m_throughput.stop();
+    m_abortCode = 0;
+    m_abortMessage.clear();
     if (m_reply) {
         m_reply->disconnect(this);
         m_reply->abort();

@@ -19,12 +19,28 @@ class QNetworkAccessManager;
 // the same way a few times before the task fails; the partial file is kept, and a later task for
 // the same URL resumes from it.
 //
+// Every task is bounded: its body never grows past a cap (the signed size, or a hard cap), a
+// connection that brings almost nothing for a while is a stall (a lost connection, resumed), a
+// task ends after an overall deadline, and a server that sends the file from the start again
+// and again, or a disk that fills, ends the task once with its partial file removed.
+//
 // Events, all on the session's thread, in the order a task produces them:
 //   didWriteData       bytes arrived (so far, expected or -1), for an HTTP status 200..299 only
 //   didFinishDownloading  the whole body is in `location`, with the response's status; the task
 //                      is over already (a new one may start), and the file is deleted when the
 //                      handler returns, so the handler moves what it wants to keep
 //   didComplete        the task is over: `errorCode` 0, or a URL error code and its message
+// The bounds of every task; tests shrink them, the defaults are what the app runs with.
+struct TransferLimits {
+    qint64 hardCapBytes = 512ll * 1024 * 1024; // the body's cap when no size is known
+    int stallMilliseconds = 30'000;            // a window of this length...
+    qint64 minimumBytesPerWindow = 4096;       // ...bringing fewer bytes than this is a stall
+    qint64 overallMilliseconds = 4ll * 60 * 60 * 1000; // one task, resumes included
+    int maximumResumes = 3;                    // lost connections resumed without real progress
+    qint64 progressThatResetsResumes = 1024 * 1024;
+    int maximumRestarts = 3;                   // times the server sends the file from its start again
+};
+
 class BackgroundSession : public QObject
 {
     Q_OBJECT
@@ -40,21 +56,23 @@ public:
         NetworkConnectionLost = -1005,
         NotConnectedToInternet = -1009,
         FileDoesNotExist = -1100,
+        DataLengthExceedsMaximum = -1103,
+        CannotWriteToFile = -3003,
     };
 
     BackgroundSession(const QString &identifier, const QString &directory, QObject *parent = nullptr);
+    void setLimits(const TransferLimits &limits) { m_limits = limits; }
+    const TransferLimits &limits() const { return m_limits; }
     ~BackgroundSession() override;
 
     // Continues the task an earlier process left running. Call once the handlers are connected.
     void resumePendingTask();
-    // Starts a task for `url`, ending any other without an event.
-    void download(const QUrl &url);
+    // Starts a task for `url`, ending any other without an event. `size`, when known (signed),
+    // is exactly what the body must be; otherwise the hard cap bounds it.
+    void download(const QUrl &url, qint64 size = -1);
     // Ends the task with Cancelled and deletes its file.
     void cancelAll();
     bool isRunning() const { return m_reply || m_retry.isActive(); }
-
-    // How often a lost connection is resumed before the task fails.
-    static constexpr int maximumResumes = 3;
 
 signals:
     void didWriteData(qint64 written, qint64 expected);
@@ -71,6 +89,12 @@ private:
     void deliverFinished(int status, bool isHttp);
     void endTask();
     bool saveRecord() const;
+    // Ends the task now with `code`; the partial file goes too unless it may be resumed later.
+    void failTask(int code, const QString &message, bool keepPartial);
+    // Aborts the reply under way; finished() then ends or resumes the task as `code` says.
+    void abortReply(int code, const QString &message);
+    void checkThroughput();
+    qint64 cap() const;
 
     QString m_recordPath;
     QString m_bodyPath;
@@ -79,5 +103,10 @@ private:
     QPointer<QNetworkReply> m_reply;
     QFile m_body;
     QTimer m_retry;
+    QTimer m_throughput;
+    qint64 m_windowBytes = 0;
+    int m_abortCode = 0; // why the reply under way was aborted by the session itself
+    QString m_abortMessage;
+    TransferLimits m_limits;
     std::unique_ptr<Task> m_task;
 };

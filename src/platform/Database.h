@@ -6,6 +6,7 @@
 #include <QVariantList>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 
 struct sqlite3;
@@ -39,6 +40,13 @@ private:
 struct SqlSandbox {
     int maxStatementBytes = 8 * 1024 * 1024;
     qint64 maxStepsPerRun = 2'000'000'000; // virtual-machine steps of one executeStatements call
+    // Only rows of the file's existing tables may be inserted, updated and deleted: no schema
+    // change of any kind (tables, views, triggers, indexes), nothing temporary.
+    bool rowsOnly = false;
+    // Wall-clock budget from enterSandbox on, across every statement; 0 for none.
+    qint64 maxMilliseconds = 0;
+    // The file may grow to this many bytes and no further; 0 for no limit.
+    qint64 maxFileBytes = 0;
 };
 
 // One connection to an SQLite or SQLCipher file. Nothing outside the platform layer sees
@@ -92,6 +100,8 @@ public:
     void enterSandbox(const SqlSandbox &limits);
     // Back to the program's own statements (to commit what the sandboxed ones did).
     void leaveSandbox();
+    // Whether the sandbox's wall-clock budget is spent (always false without one).
+    bool sandboxTimeIsUp() const;
 
     QString lastErrorMessage() const { return m_lastError; }
     int lastErrorCode() const { return m_lastErrorCode; }
@@ -110,7 +120,7 @@ private:
     void recordError();
     void clearError();
 
-    static int authorizeSandboxed(void *, int action, const char *first, const char *second, const char *database, const char *);
+    static int authorizeSandboxed(void *self, int action, const char *first, const char *second, const char *database, const char *);
     static int countSandboxedSteps(void *database);
 
     QString m_path;
@@ -118,6 +128,7 @@ private:
     bool m_sandboxed = false;
     SqlSandbox m_sandbox;
     qint64 m_steps = 0;
+    std::chrono::steady_clock::time_point m_sandboxDeadline;
     QString m_lastError;
     int m_lastErrorCode = 0;
     static std::atomic<int> s_keyedConnections;

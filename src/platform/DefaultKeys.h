@@ -10,14 +10,20 @@ inline const QString lastInternetUpdateCheck = QStringLiteral("last-internet-upd
 inline const QString devUpdateAlwaysEnabled = QStringLiteral("dev-update-always-enabled");
 inline const QString downloaderState = QStringLiteral("downloader-state");
 inline const QString fullDbUrl = QStringLiteral("full-db-url");
-// The signature of the file being fetched, kept with the transfer: {"url", "signature", "date"}.
+// What the file being fetched must be, kept with the transfer: {"url", "signature", "date",
+// "from"} (a patch's two dates; the signature when signatures are required).
 inline const QString downloadSignature = QStringLiteral("download-signature");
 inline const QString patchAvailable = QStringLiteral("patch-available");
+// Set when a patch was given up with nobody following it (at a start): the next Downloader made
+// fetches the whole file instead.
+inline const QString fullDownloadWanted = QStringLiteral("full-db-wanted");
 
 inline const QString showClosedPlaces = QStringLiteral("show-closed-places");
 inline const QString enableAnalytics = QStringLiteral("enable-analytics");
 inline const QString developerModeEnabled = QStringLiteral("developer-mode-enabled");
 inline const QString devKeepOldDbs = QStringLiteral("dev-keep-old-dbs");
+// Lets a build that trusts no signing key install unsigned updates (a developer's own shelf).
+inline const QString devAllowUnsignedUpdates = QStringLiteral("dev-allow-unsigned-updates");
 inline const QString devEnableSubscribe = QStringLiteral("dev-enable-subscribe");
 inline const QString devEnableNotifications = QStringLiteral("dev-enable-notifications");
 inline const QString devEnableOpinions = QStringLiteral("dev-enable-opinions");

@@ -74,7 +74,7 @@ bool ZipArchive::writeEncrypted(const QString &zipPath, const QString &entryName
 }
 
 bool ZipArchive::extractSingle(const QString &zipPath, const QString &destination, const QString &password,
-                               const ExtractLimits &limits, QString *entryName, QString *error)
+                               const ExtractLimits &limits, QString *entryName, QString *error, const QString &expectedName)
 {
     int code = 0;
     zip_t *archive = zip_open(QFile::encodeName(zipPath).constData(), ZIP_RDONLY | ZIP_CHECKCONS, &code);
@@ -101,6 +101,20 @@ bool ZipArchive::extractSingle(const QString &zipPath, const QString &destinatio
         || name.contains(QLatin1Char('\\')) || name.contains(QChar(0)) || name.startsWith(QLatin1Char('.'))) {
         *error = QStringLiteral("entry \"%1\" is not a plain file name").arg(name);
         return false;
+    }
+    if (!expectedName.isEmpty() && name != expectedName) {
+        *error = QStringLiteral("entry \"%1\" is not the expected %2").arg(name, expectedName);
+        return false;
+    }
+    // Unix archivers keep the file's mode in the external attributes: a link is refused.
+    zip_uint8_t system = 0;
+    zip_uint32_t attributes = 0;
+    if (zip_file_get_external_attributes(archive, 0, 0, &system, &attributes) == 0 && system == ZIP_OPSYS_UNIX) {
+        const zip_uint32_t type = (attributes >> 16) & 0170000;
+        if (type != 0 && type != 0100000) {
+            *error = QStringLiteral("entry \"%1\" is not a regular file").arg(name);
+            return false;
+        }
     }
     const qint64 size = qint64(stat.size);
     const qint64 archiveSize = QFileInfo(zipPath).size();

@@ -30,8 +30,9 @@ struct ExtractLimits {
 };
 // Unpacks the one file an archive must hold into `destination` (which must exist), replacing a
 // file of that name; the name is given in `entryName`. Refused: more or fewer than one entry, a
-// name that is not a plain file name (a path, "..", a backslash), a size beyond the limits,
-// a damaged entry or a wrong password; AES and the older ZIP encryption both read.
+// name that is not a plain file name (a path, "..", a backslash), another name than
+// `expectedName` when one is given, an entry that isn't a regular file (a link), a size beyond
+// the limits, a damaged entry or a wrong password; AES and the older ZIP encryption both read.
 bool extractSingle(const QString &zipPath, const QString &destination, const QString &password, const ExtractLimits &limits,
-                   QString *entryName, QString *error);
+                   QString *entryName, QString *error, const QString &expectedName = {});
 }

@@ -59,6 +59,15 @@ Downloader::Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateC
     connect(m_session, &BackgroundSession::didComplete, this, &Downloader::sessionDidComplete);
     // A transfer of an earlier run continues once whoever made this has had the chance to listen.
     QTimer::singleShot(0, m_session, &BackgroundSession::resumePendingTask);
+    // A patch given up at a start, with nobody following: the whole file, as the patch's own
+    // failure would have asked.
+    if (m_defaults.boolForKey(DefaultKeys::fullDownloadWanted)) {
+        m_defaults.removeObjectForKey(DefaultKeys::fullDownloadWanted);
+        QTimer::singleShot(0, this, [this] {
+            if (!m_session->isRunning() && m_checker.trustProblem().isEmpty())
+                startFullDownload();
+        });
+    }
 }
 
 Downloader::~Downloader()
@@ -94,6 +103,12 @@ void Downloader::fillPendingURLs()
 
 void Downloader::startUpdate()
 {
+    // A broken trusted key, or no key at all: nothing is fetched, and the user is told why.
+    if (const QString problem = m_checker.trustProblem(); !problem.isEmpty()) {
+        m_pendingURLs.clear();
+        failLater(10, QStringLiteral("refused: ") + problem);
+        return;
+    }
     if (m_pendingURLs.isEmpty())
         fillPendingURLs();
     const UpdateURL next = m_pendingURLs.takeLast();
@@ -102,9 +117,16 @@ void Downloader::startUpdate()
     QPointer<Downloader> self(this);
     m_checker.fetchUpdateInfo(
         next.url,
-        [self, attempt](const UpdateInfo &info) {
-            if (self && self->m_attempt == attempt)
-                self->startPatchDownload(info.date, info.url);
+        [self, attempt, next](const UpdateInfo &info) {
+            if (!self || self->m_attempt != attempt)
+                return;
+            // Nothing is fetched from a source that has nothing newer: the next one may.
+            const std::optional<QDate> current = self->m_restaurants.ready() ? self->m_restaurants.databaseVersionDate() : std::nullopt;
+            if (current && info.date <= *current) {
+                qCInfo(lcUpdate).noquote() << next.url.toString() << "announces" << info.date.toString(Qt::ISODate) << "- nothing newer";
+                return self->tryNextSource(QStringLiteral("no source has a catalogue newer than %1").arg(current->toString(Qt::ISODate)));
+            }
+            self->startPatchDownload(info.date, info.url);
         },
         [self, attempt](const QString &message) {
             if (self && self->m_attempt == attempt)
@@ -131,6 +153,46 @@ void Downloader::tryNextSource(const QString &message)
     });
 }
 
+void Downloader::sourceFailed(int code, const QString &message)
+{
+    m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
+    const quint64 attempt = m_attempt;
+    QPointer<Downloader> self(this);
+    dispatchMain([self, attempt, code, message] {
+        if (!self || self->m_attempt != attempt)
+            return;
+        if (self->m_pendingURLs.isEmpty()) {
+            self->failWith(code, message);
+            return;
+        }
+        qCInfo(lcUpdate).noquote() << "Skipping that source for this update (" + message + "); asking the next";
+        self->startUpdate();
+    });
+}
+
+void Downloader::saveExpected(const Expected &expected)
+{
+    QVariantMap record{{QStringLiteral("url"), expected.url.toString(QUrl::FullyEncoded)},
+                       {QStringLiteral("date"), CatalogueDates::formatCompact(expected.date)}};
+    if (expected.from)
+        record.insert(QStringLiteral("from"), CatalogueDates::formatCompact(*expected.from));
+    if (!expected.signature.isEmpty())
+        record.insert(QStringLiteral("signature"), expected.signature);
+    m_defaults.setObject(record, DefaultKeys::downloadSignature);
+}
+
+std::optional<Downloader::Expected> Downloader::loadExpected() const
+{
+    const QVariantMap record = m_defaults.dictionaryForKey(DefaultKeys::downloadSignature);
+    Expected expected{QUrl(record.value(QStringLiteral("url")).toString()),
+                      CatalogueDates::parseCompact(record.value(QStringLiteral("date")).toString()).value_or(QDate()),
+                      CatalogueDates::parseCompact(record.value(QStringLiteral("from")).toString()),
+                      record.value(QStringLiteral("signature")).toByteArray()};
+    if (expected.url.isEmpty())
+        return std::nullopt;
+    return expected;
+}
+
 void Downloader::startPatchDownload(const QDate &date, const QUrl &url)
 {
     if (!m_restaurants.ready()) {
@@ -143,54 +205,62 @@ void Downloader::startPatchDownload(const QDate &date, const QUrl &url)
     m_defaults.setString(downloadStateName(DownloadState::DownloadingPatch), DefaultKeys::downloaderState);
     // A patch without a signature is most likely no patch at all: the whole file then, which
     // must be signed.
-    downloadSigned(patch, date, [this](const QString &) { startFullDownload(); });
+    downloadSigned({patch, date, from, {}}, [this](const QString &) { startFullDownload(); });
 }
 
-void Downloader::downloadSigned(const QUrl &url, const std::optional<QDate> &date, std::function<void(const QString &)> unsigned_)
+void Downloader::downloadSigned(Expected expected, std::function<void(const QString &)> unsigned_)
 {
     if (!m_checker.requiresSignatures()) {
-        qCInfo(lcUpdate).noquote() << "Fetching" << url.toString();
-        m_session->download(url);
+        qCInfo(lcUpdate).noquote() << "Fetching" << expected.url.toString() << "(unsigned, as the developer setting allows)";
+        saveExpected(expected);
+        m_session->download(expected.url);
         return;
     }
-    // The signature first: small, and kept with the transfer so that a transfer finishing in a
-    // later run is checked against it.
+    // The signature first: small, checked for everything but the bytes (name, dates, key, size)
+    // before a byte of the file is kept, and kept with the transfer so that a transfer finishing
+    // in a later run is checked against it.
     const quint64 attempt = m_attempt;
     QPointer<Downloader> self(this);
-    m_checker.fetchSmall(QUrl(url.toString() + SignedFiles::suffix), [self, attempt, url, date, unsigned_](const QByteArray &signature,
-                                                                                                       const QString &, const QString &problem) {
+    m_checker.fetchSmall(QUrl(expected.url.toString() + SignedFiles::suffix), [self, attempt, expected, unsigned_](const QByteArray &text,
+                                                                                                                 const QString &, const QString &problem) mutable {
         if (!self || self->m_attempt != attempt)
             return;
         QString why;
-        if (!problem.isEmpty() || !SignedFiles::parse(signature, &why))
+        if (!problem.isEmpty() || !SignedFiles::parse(text, &why))
             return unsigned_(QStringLiteral("no signature (%1)").arg(problem.isEmpty() ? why : problem));
-        QVariantMap pending{{QStringLiteral("url"), url.toString(QUrl::FullyEncoded)}, {QStringLiteral("signature"), signature}};
-        if (date)
-            pending.insert(QStringLiteral("date"), CatalogueDates::formatCompact(*date));
-        self->m_defaults.setObject(pending, DefaultKeys::downloadSignature);
-        qCInfo(lcUpdate).noquote() << "Fetching" << url.toString() << "(signed)";
-        self->m_session->download(url);
+        const std::optional<QDate> date = expected.from ? std::optional<QDate>(expected.date) : std::nullopt;
+        const auto signature = SignedFiles::checkBeforeTransfer(text, {expected.url.fileName(), date, expected.from},
+                                                                self->m_checker.trustedKeys(), &why);
+        if (!signature) {
+            self->m_checker.refuseSource(expected.url, expected.from ? QStringLiteral("the patch") : QStringLiteral("the catalogue"), why);
+            return self->sourceFailed(10, QStringLiteral("refused %1 from %2: %3")
+                                              .arg(expected.from ? QStringLiteral("the patch") : QStringLiteral("the catalogue"),
+                                                   UpdateChecker::sourceOf(expected.url), why));
+        }
+        expected.signature = text;
+        self->saveExpected(expected);
+        qCInfo(lcUpdate).noquote() << "Fetching" << expected.url.toString() << "(signed," << signature->size << "bytes)";
+        self->m_session->download(expected.url, signature->size);
     });
 }
 
 QString Downloader::signatureProblem(const QString &location, QDate *signedDate) const
 {
-    const QVariantMap pending = m_defaults.dictionaryForKey(DefaultKeys::downloadSignature);
-    const QUrl url(pending.value(QStringLiteral("url")).toString());
-    if (url.isEmpty())
+    const std::optional<Expected> expected = loadExpected();
+    if (!expected || expected->signature.isEmpty())
         return QStringLiteral("no signature was fetched for it");
-    const auto date = CatalogueDates::parseCompact(pending.value(QStringLiteral("date")).toString());
-    return SignedFiles::check(pending.value(QStringLiteral("signature")).toByteArray(), Signatures::sha256OfFile(location), url.fileName(),
-                              date, m_checker.trustedKeys(), signedDate);
+    const std::optional<QDate> date = expected->from ? std::optional<QDate>(expected->date) : std::nullopt;
+    return SignedFiles::check(expected->signature, QFileInfo(location).size(), Signatures::sha256OfFile(location),
+                              {expected->url.fileName(), date, expected->from}, m_checker.trustedKeys(), signedDate);
 }
 
 void Downloader::refuseDownload(const QString &location, const QString &what, const QString &why)
 {
-    const QUrl url(m_defaults.dictionaryForKey(DefaultKeys::downloadSignature).value(QStringLiteral("url")).toString());
+    const std::optional<Expected> expected = loadExpected();
+    const QUrl url = expected ? expected->url : QUrl();
     QFile::remove(location);
-    m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
     m_checker.refuseSource(url, what, why);
-    failWith(10, QStringLiteral("refused %1 from %2: %3").arg(what, UpdateChecker::sourceOf(url), why));
+    sourceFailed(10, QStringLiteral("refused %1 from %2: %3").arg(what, UpdateChecker::sourceOf(url), why));
 }
 
 void Downloader::startFullDownload(const std::optional<QUrl> &url)
@@ -199,9 +269,9 @@ void Downloader::startFullDownload(const std::optional<QUrl> &url)
     m_defaults.setString(downloadStateName(DownloadState::DownloadingDB), DefaultKeys::downloaderState);
     if (!target.isValid() || target.isEmpty())
         return;
-    downloadSigned(target, std::nullopt, [this, target](const QString &why) {
+    downloadSigned({target, QDate(), std::nullopt, {}}, [this, target](const QString &why) {
         m_checker.refuseSource(target, QStringLiteral("the catalogue"), why);
-        failWith(10, QStringLiteral("refused the catalogue from %1: %2").arg(UpdateChecker::sourceOf(target), why));
+        sourceFailed(10, QStringLiteral("refused the catalogue from %1: %2").arg(UpdateChecker::sourceOf(target), why));
     });
 }
 
@@ -212,17 +282,26 @@ void Downloader::failWith(int code, const QString &message)
         m_delegate->downloadDidFinishWithError(Error{errorDomain, code, message});
 }
 
+void Downloader::failLater(int code, const QString &message)
+{
+    QPointer<Downloader> self(this);
+    dispatchMain([self, code, message] {
+        if (self)
+            self->failWith(code, message);
+    });
+}
+
 void Downloader::sessionDidFinishDownloading(const QString &location, int status, bool isHttp)
 {
     const bool success = status == 200 || status == 206;
+    const bool signatures = m_checker.requiresSignatures();
     switch (state()) {
     case DownloadState::DownloadingPatch:
         if (!isHttp)
             return;
         if (success) {
-            if (const QString why = m_checker.requiresSignatures() ? signatureProblem(location) : QString(); !why.isEmpty())
+            if (const QString why = signatures ? signatureProblem(location) : QString(); !why.isEmpty())
                 return refuseDownload(location, QStringLiteral("the patch"), why);
-            m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
             toDelegate([](DownloaderDelegate &d) { d.patchStarted(); });
             installPatch(location);
         } else {
@@ -236,7 +315,7 @@ void Downloader::sessionDidFinishDownloading(const QString &location, int status
             return;
         if (success) {
             QDate signedDate;
-            if (const QString why = m_checker.requiresSignatures() ? signatureProblem(location, &signedDate) : QString(); !why.isEmpty())
+            if (const QString why = signatures ? signatureProblem(location, &signedDate) : QString(); !why.isEmpty())
                 return refuseDownload(location, QStringLiteral("the catalogue"), why);
             m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
             installCatalogue(location, signedDate);
@@ -256,73 +335,90 @@ void Downloader::sessionDidComplete(int errorCode, const QString &message)
         startFullDownload();
         return;
     }
-    QPointer<Downloader> self(this);
-    dispatchMain([self, errorCode, message] {
-        if (self)
-            self->failWith(errorCode, message);
-    });
+    // More than the signed size (or the cap): that source serves something else.
+    if (errorCode == BackgroundSession::DataLengthExceedsMaximum) {
+        if (const std::optional<Expected> expected = loadExpected())
+            m_checker.refuseSource(expected->url, QStringLiteral("a file"), message);
+        sourceFailed(errorCode, message);
+        return;
+    }
+    failLater(errorCode, message);
 }
 
 void Downloader::installCatalogue(const QString &location, const QDate &signedDate)
 {
     const VerificationResult verification = m_restaurants.verifyDatabase(location);
-    const auto fail = [this](int code, const QString &message) {
-        QPointer<Downloader> self(this);
-        dispatchMain([self, code, message] {
-            if (self)
-                self->failWith(code, message);
-        });
-    };
     switch (verification.kind) {
     case VerificationResult::outdated:
         if (!m_defaults.boolForKey(DefaultKeys::devKeepOldDbs))
-            return fail(4, QStringLiteral("new DB is outdated (baffled!)"));
+            return sourceFailed(4, QStringLiteral("new DB is outdated (baffled!)"));
         break;
-    case VerificationResult::cipherError: return fail(5, QStringLiteral("failed to decipher new DB"));
-    case VerificationResult::openError: return fail(6, QStringLiteral("couldn't open new DB"));
-    case VerificationResult::noVersionDate: return fail(8, QStringLiteral("DB file has no version information"));
-    case VerificationResult::unknownError: return fail(7, QStringLiteral("something unexpected happened"));
+    case VerificationResult::cipherError: return sourceFailed(5, QStringLiteral("failed to decipher new DB"));
+    case VerificationResult::openError: return sourceFailed(6, QStringLiteral("couldn't open new DB"));
+    case VerificationResult::noVersionDate: return sourceFailed(8, QStringLiteral("DB file has no version information"));
+    case VerificationResult::unknownError: return sourceFailed(7, QStringLiteral("something unexpected happened"));
     case VerificationResult::ok: break;
     }
     // A signed file from an older day renamed and announced as newer: its own date gives it away.
     if (signedDate.isValid() && verification.date != signedDate)
         return refuseDownload(location, QStringLiteral("the catalogue"), QStringLiteral("its own date is not the one signed"));
+    // Every check the load makes, the page check included: a file that would not be used never
+    // takes a catalogue's place in Documents.
+    if (const QString fault = m_restaurants.catalogueFault(location); !fault.isEmpty())
+        return sourceFailed(7, QStringLiteral("something unexpected happened: ") + fault);
     const QString finalPath = m_restaurants.databasePathForVersionDate(verification.date);
-    if (QFileInfo::exists(finalPath))
-        return fail(9, QStringLiteral("file ") + QFileInfo(finalPath).fileName() + QStringLiteral(" already exists"));
+    const auto installed = [this] {
+        QPointer<Downloader> self(this);
+        dispatchMain([self] {
+            if (!self)
+                return;
+            if (self->m_delegate)
+                self->m_delegate->downloadDidComplete();
+            if (self->m_completionHandler)
+                self->m_completionHandler();
+        });
+    };
+    if (QFileInfo::exists(finalPath)) {
+        // The very file, installed already (by an earlier run whose end nobody heard): done.
+        if (Signatures::sha256OfFile(finalPath) == Signatures::sha256OfFile(location)) {
+            qCInfo(lcUpdate).noquote() << finalPath << "is installed already";
+            return installed();
+        }
+        return failLater(9, QStringLiteral("file ") + QFileInfo(finalPath).fileName() + QStringLiteral(" already exists"));
+    }
     crashPoint("install-verified");
     QString error;
     if (!DurableFiles::moveFile(location, finalPath, false, &error)) {
         qCWarning(lcUpdate).noquote() << error;
-        return fail(8, QStringLiteral("couldn't move temporary DB to final path."));
+        return failLater(8, QStringLiteral("couldn't move temporary DB to final path."));
     }
     markExcludedFromBackup(finalPath);
     crashPoint("install-moved");
     qCInfo(lcUpdate).noquote() << "Installed" << finalPath;
-    QPointer<Downloader> self(this);
-    dispatchMain([self] {
-        if (!self)
-            return;
-        if (self->m_delegate)
-            self->m_delegate->downloadDidComplete();
-        if (self->m_completionHandler)
-            self->m_completionHandler();
-    });
+    installed();
 }
 
 void Downloader::installPatch(const QString &location)
 {
-    if (m_folders.applicationSupport.isEmpty())
+    const std::optional<Expected> expected = loadExpected();
+    m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
+    if (m_folders.applicationSupport.isEmpty() || !expected || !expected->from)
         return;
-    // The archive came from the network: anything but the one plain file it should hold, within
-    // sensible sizes, is refused before a byte is written, and the whole file fetched instead.
+    // The archive came from the network: it unpacks into a folder of its own, emptied first,
+    // and only as the one file this patch must be; anything else is refused before a byte is
+    // written, and the whole file fetched instead.
+    QDir folder(QDir(m_folders.applicationSupport).filePath(patchFolderName));
+    folder.removeRecursively();
     QString entry, error;
-    if (!ZipArchive::extractSingle(location, m_folders.applicationSupport, PatchFiles::archivePassword, {}, &entry, &error)) {
+    const QString expectedName = PatchFiles::patchFileName(*expected->from, expected->date);
+    if (!QDir().mkpath(folder.path())
+        || !ZipArchive::extractSingle(location, folder.path(), PatchFiles::archivePassword, {}, &entry, &error, expectedName)) {
         qCWarning(lcUpdate).noquote() << "Patch archive refused:" << error << "- fetching the whole catalogue";
+        folder.removeRecursively();
         startFullDownload();
         return;
     }
-    const QString path = QDir(m_folders.applicationSupport).filePath(entry);
+    const QString path = folder.filePath(entry);
     markExcludedFromBackup(path);
     crashPoint("patch-unpacked");
     toDelegate([](DownloaderDelegate &d) { d.downloadingPatch(); });
@@ -370,6 +466,8 @@ void Downloader::cancel()
 }
 
 bool Downloader::isBusy() const { return m_session->isRunning() || m_reloadQueue->operationCount() > 0; }
+
+void Downloader::setTransferLimits(const TransferLimits &limits) { m_session->setLimits(limits); }
 
 void Downloader::isDownloading(std::function<void(bool)> completion) const
 {

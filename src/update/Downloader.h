@@ -12,6 +12,7 @@
 #include <optional>
 
 class BackgroundSession;
+struct TransferLimits;
 class OperationQueue;
 class Restaurants;
 class UpdateChecker;
@@ -39,8 +40,9 @@ public:
 
     struct Folders {
         QString caches;             // the transfer's file and record
-        QString applicationSupport; // where a patch archive is unpacked
+        QString applicationSupport; // a patch archive is unpacked into its folder "patch"
     };
+    static inline const QString patchFolderName = QStringLiteral("patch");
 
     // The local servers known at the moment of asking (the ServiceCenter's, in the app).
     using LocalSources = std::function<QList<UpdateURL>()>;
@@ -68,6 +70,8 @@ public:
     void startFullDownload(const std::optional<QUrl> &url = std::nullopt);
     // Whether a transfer runs or a patch is being applied, now (on the main thread).
     bool isBusy() const;
+    // The bounds of every transfer; tests shrink them.
+    void setTransferLimits(const TransferLimits &limits);
 
     // PatchDelegate: called on the thread that applies the patch.
     void patchProgress(int done, int total) override;
@@ -79,21 +83,37 @@ signals:
     void reloadFinished();
 
 private:
+    // What the transfer under way must turn out to be; kept in the settings with the transfer,
+    // so that a transfer finishing in a later run is checked the same way.
+    struct Expected {
+        QUrl url;
+        QDate date;                // the announced date (the patch's "to")
+        std::optional<QDate> from; // a patch's starting date
+        QByteArray signature;      // the .sig text, when signatures are required
+    };
+    void saveExpected(const Expected &expected);
+    std::optional<Expected> loadExpected() const;
+
     void fillPendingURLs();
     void tryNextSource(const QString &message);
+    // The source of the file under way served something that can't be used: the next source is
+    // asked, or with none left the update fails with `code` and `message`.
+    void sourceFailed(int code, const QString &message);
     void startPatchDownload(const QDate &date, const QUrl &url);
     void failWith(int code, const QString &message);
     void sessionDidFinishDownloading(const QString &location, int status, bool isHttp);
     void sessionDidComplete(int errorCode, const QString &message);
     void installCatalogue(const QString &location, const QDate &signedDate);
-    // Fetches `url`, with its signature first when signatures are required; `unsigned_` runs
-    // instead when there is none to be had.
-    void downloadSigned(const QUrl &url, const std::optional<QDate> &date, std::function<void(const QString &why)> unsigned_);
-    // Why the file at `location` isn't the one the kept signature vouches for; empty if it is.
+    // Fetches what `expected` names, with its signature first when signatures are required;
+    // `unsigned_` runs instead when there is none to be had.
+    void downloadSigned(Expected expected, std::function<void(const QString &why)> unsigned_);
+    // Why the file at `location` isn't the one expected (its signature, size and bytes); empty
+    // if it is.
     QString signatureProblem(const QString &location, QDate *signedDate = nullptr) const;
-    // Deletes the refused file, skips its source for the rest of the run, and fails the update.
+    // Deletes the refused file, skips its source for the rest of the run, and asks the next.
     void refuseDownload(const QString &location, const QString &what, const QString &why);
     void installPatch(const QString &location);
+    void failLater(int code, const QString &message);
     // Runs `call` on the delegate on the main thread, if there is one by then.
     void toDelegate(std::function<void(DownloaderDelegate &)> call);
 

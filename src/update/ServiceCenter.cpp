@@ -57,7 +57,6 @@ void ServiceCenter::didResolve(const UpdateService &resolved)
         source.dburl = info.url;
         self->m_services.remove(source); // a found-again entry without URL gives way to the proven one
         self->m_services.insert(source);
-        self->m_checker.noteAnnouncedDate(info.date);
         emit self->servicesChanged();
     });
 }

@@ -46,11 +46,26 @@ UpdateChecker::UpdateChecker(UserDefaults &defaults, Restaurants &restaurants, Q
     : QObject(parent)
     , m_defaults(defaults)
     , m_restaurants(restaurants)
-    , m_trustedKeys(SignedFiles::trustedKeys(Paths::applicationSupport() + QStringLiteral("/trusted-keys")))
+    , m_trust(SignedFiles::trustedKeys(Paths::applicationSupport() + QStringLiteral("/trusted-keys")))
 {
     static bool told = false;
-    if (m_trustedKeys.isEmpty() && !std::exchange(told, true))
-        qCInfo(lcUpdate) << "Updates are unauthenticated: no signing key is trusted (built in, or in Application Support/trusted-keys)";
+    if (const QString problem = trustProblem(); !problem.isEmpty() && !std::exchange(told, true))
+        qCWarning(lcUpdate).noquote() << "No update will be installed:" << problem;
+}
+
+bool UpdateChecker::requiresSignatures() const
+{
+    return !m_trust.keys.isEmpty() || !m_trust.problems.isEmpty() || !m_defaults.boolForKey(DefaultKeys::devAllowUnsignedUpdates);
+}
+
+QString UpdateChecker::trustProblem() const
+{
+    if (!m_trust.problems.isEmpty())
+        return QStringLiteral("a trusted signing key is broken (%1); updates are refused until it is fixed")
+            .arg(m_trust.problems.join(QStringLiteral("; ")));
+    if (m_trust.keys.isEmpty() && requiresSignatures())
+        return QStringLiteral("no update signing key is trusted");
+    return {};
 }
 
 UpdateChecker::~UpdateChecker() = default;
@@ -106,7 +121,7 @@ void UpdateChecker::reachable()
 {
     // Once a newer catalogue is known, nothing is asked until it has been installed.
     if (!isNewerDatabaseKnown())
-        checkInternet(6 * 60 * 60);
+        checkInternet(internetCheckInterval);
 }
 
 void UpdateChecker::checkInternet(double minInterval, std::function<void(bool)> done)
@@ -181,20 +196,30 @@ void UpdateChecker::fetchUpdateInfo(const QUrl &url, std::function<void(const Up
         QTimer::singleShot(0, this, [fail, refusal] { fail(QStringLiteral("refused earlier: ") + refusal); });
         return;
     }
+    if (const QString problem = trustProblem(); !problem.isEmpty()) {
+        QTimer::singleShot(0, this, [fail, problem] { fail(problem); });
+        return;
+    }
     fetchSmall(url, [this, url, completion = std::move(completion), fail](const QByteArray &body, const QString &text, const QString &problem) {
         QString why;
         // The status plays no part: an answer that parses is an announcement.
         const auto info = body.isEmpty() && !problem.isEmpty() ? std::nullopt : parseUpdateInfo(text, &why);
         if (!info)
             return fail(body.isEmpty() && !problem.isEmpty() ? problem : why);
+        // However it is signed: a date this far ahead would pin every later check.
+        if (info->date > QDate::currentDate().addDays(maximumDaysAhead)) {
+            const QString refusal = QStringLiteral("the announced date %1 is more than a year ahead").arg(info->date.toString(Qt::ISODate));
+            refuseSource(url, QStringLiteral("the update information"), refusal);
+            return fail(refusal);
+        }
         if (!requiresSignatures())
             return completion(*info);
         const QUrl signatureUrl(url.toString() + SignedFiles::suffix);
         fetchSmall(signatureUrl, [this, url, info = *info, body, completion, fail](const QByteArray &signature, const QString &, const QString &problem) {
             const QString refusal = signature.isEmpty() || !problem.isEmpty()
                 ? QStringLiteral("no signature (%1)").arg(problem.isEmpty() ? QStringLiteral("empty") : problem)
-                : SignedFiles::check(signature, QCryptographicHash::hash(body, QCryptographicHash::Sha256), url.fileName(), info.date,
-                                     m_trustedKeys);
+                : SignedFiles::check(signature, body.size(), QCryptographicHash::hash(body, QCryptographicHash::Sha256),
+                                     {url.fileName(), info.date, std::nullopt}, m_trust.keys);
             if (!refusal.isEmpty()) {
                 refuseSource(url, QStringLiteral("the update information"), refusal);
                 return fail(refusal);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "update/SignedFiles.h"
 #include "update/UpdateInfo.h"
 
 #include <QObject>
@@ -35,11 +36,15 @@ public:
     void startMonitoring(int probeInterval = 15 * 60 * 1000);
     bool monitorsReachability() const { return m_reachabilityBackend; }
 
+    // The least time between two checks of the Internet while no newer catalogue is known.
+    static constexpr double internetCheckInterval = 6 * 60 * 60;
+
     // Fetches and stores as the rules say; `done` (optional) learns whether an answer came.
     void checkInternet(double minInterval, std::function<void(bool answered)> done = {});
     bool isNewerDatabaseKnown() const;
     // Remembers `date` in "newest-database-known" when it is later than the catalogue's and than
-    // what is remembered already; from the Internet's answer or a local server's.
+    // what is remembered already. Only the Internet's answer writes it: a local server could
+    // otherwise pin an offer, and stop the Internet's checks, with a date of its choosing.
     void noteAnnouncedDate(const QDate &date);
 
     // One fetch of update information: `completion` only for a body that parses, else `failed`
@@ -50,10 +55,16 @@ public:
 
     static constexpr qint64 maximumBody = 4096;
 
-    // Signed updates: with at least one key trusted, update information, catalogues and patches
-    // count only with a valid signature from one of them (SignedFiles).
-    const QList<QByteArray> &trustedKeys() const { return m_trustedKeys; }
-    bool requiresSignatures() const { return !m_trustedKeys.isEmpty(); }
+    // Signed updates: update information, catalogues and patches count only with a valid
+    // signature from a trusted key (SignedFiles). Only a home that trusts no key at all, with the
+    // developer setting for unsigned updates on, takes files unsigned.
+    const QList<QByteArray> &trustedKeys() const { return m_trust.keys; }
+    bool requiresSignatures() const;
+    // Why no update can be taken at all: a trusted key file that doesn't parse, or no key with
+    // unsigned updates not allowed. Empty when updates may go ahead.
+    QString trustProblem() const;
+    // An announced date further ahead of this device's clock than this is refused from anyone.
+    static constexpr int maximumDaysAhead = 365;
     // A source that served something refused is skipped for the rest of the run.
     void refuseSource(const QUrl &url, const QString &what, const QString &why);
     bool isRefused(const QUrl &url) const;
@@ -75,6 +86,6 @@ private:
     QNetworkAccessManager *m_manager = nullptr;
     QTimer m_probe;
     bool m_reachabilityBackend = false;
-    QList<QByteArray> m_trustedKeys;
+    SignedFiles::Trust m_trust;
     QHash<QString, QString> m_refused; // source -> why
 };

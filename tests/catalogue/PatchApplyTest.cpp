@@ -40,10 +40,12 @@ struct PatchHome {
         restaurants = std::make_unique<Restaurants>(home.environment());
     }
 
-    // A plain patch file in Application Support, noted as waiting; NULL scripts as given.
+    // A plain patch file in Application Support's patch folder, noted as waiting; NULL scripts
+    // as given.
     QString addPatch(const QList<std::optional<QString>> &scripts, const QString &name = QStringLiteral("velmora-20170101-20170201.db"))
     {
-        const QString path = QDir(supportDir).filePath(name);
+        QDir(supportDir).mkpath(QStringLiteral("patch"));
+        const QString path = QDir(supportDir).filePath(QStringLiteral("patch/") + name);
         Database db(path);
         EXPECT_TRUE(db.open() && db.executeStatements(QStringLiteral("CREATE TABLE updates(number INTEGER, patch TEXT)")));
         // Stored out of order: the step sorts by number.
@@ -56,9 +58,9 @@ struct PatchHome {
 
     // A reload, as the Downloader starts one, with the log listening and an SQL budget small
     // enough for a test to meet.
-    Restaurants *reloadWithLog(qint64 steps = 50'000'000)
+    Restaurants *reloadWithLog(qint64 steps = 50'000'000, bool followed = true)
     {
-        restaurants->setPatchDelegate(&log);
+        restaurants->setPatchDelegate(followed ? &log : nullptr);
         SqlSandbox sandbox;
         sandbox.maxStepsPerRun = steps;
         restaurants->setPatchSandbox(sandbox);
@@ -71,8 +73,27 @@ struct PatchHome {
     QStringList support() const
     {
         QStringList files = QDir(supportDir).entryList(QDir::Files | QDir::Hidden);
+        files += QDir(supportDir + QStringLiteral("/patch")).entryList(QDir::Files | QDir::Hidden);
         files.removeAll(QStringLiteral("UserDefaults.ini"));
         return files;
+    }
+
+    // What a refused patch must leave as it was: the catalogue in use, the user's settings.
+    void expectNothingLost(Restaurants *restaurants)
+    {
+        ASSERT_TRUE(restaurants->ready());
+        EXPECT_EQ(restaurants->databaseVersionDate(), QDate(2017, 1, 1));
+        EXPECT_EQ(restaurants->brief(101)->name, QStringLiteral("El Aljibe"));
+        EXPECT_EQ(documents(), QStringList{QStringLiteral("velmora-20170101.db")});
+        EXPECT_EQ(support(), QStringList());
+        // Read back from the file, as the next start will.
+        EXPECT_EQ(UserDefaults(QDir(supportDir).filePath(QStringLiteral("UserDefaults.ini"))).intArrayForKey(DefaultKeys::favoritos),
+                  (QList<int>{101}));
+        // A later start reads the catalogue as ever, and fast: nothing of the patch is left.
+        Restaurants later(home.environment());
+        EXPECT_TRUE(later.ready());
+        EXPECT_EQ(later.databaseVersionDate(), QDate(2017, 1, 1));
+        later.waitForSearchIndex();
     }
 };
 }
@@ -148,20 +169,21 @@ TEST(PatchApply, FailingOrOverreachingScriptsAreRolledBackAndLeadToTheWholeFile)
     }
 }
 
-// Catches: the two failures that keep the catalogue and tell the user, and the one that asks
-// for the whole file, swapped: an empty patch leaves the version as it was (its file already
-// stands in Documents), a script that drops the version leaves none to read.
+// Catches: a patch that leaves no newer catalogue taken as done, or stuck at every update: an
+// empty patch leaves the version as it was, a script that drops the version leaves none to
+// read; both give the patch up and ask for the whole file.
 TEST(PatchApply, PatchesThatLeaveNoNewVersionEndInTheirOwnMessages)
 {
     {
         PatchHome h;
         h.addPatch({});
         Restaurants *restaurants = h.reloadWithLog();
-        EXPECT_EQ(h.log.failure, QStringLiteral("Couldn't move new db to Documents"));
-        EXPECT_EQ(h.log.action, PatchFailedAction::doNothing);
+        EXPECT_EQ(h.log.failure, QStringLiteral("the patched catalogue fails its checks"));
+        EXPECT_EQ(h.log.action, PatchFailedAction::downloadFullDB);
         EXPECT_EQ(h.log.progress, (QList<QPair<int, int>>{{0, 0}}));
         EXPECT_TRUE(restaurants->ready());
         EXPECT_EQ(h.documents(), QStringList{QStringLiteral("velmora-20170101.db")});
+        EXPECT_EQ(h.support(), QStringList());
     }
     {
         PatchHome h;
@@ -171,4 +193,76 @@ TEST(PatchApply, PatchesThatLeaveNoNewVersionEndInTheirOwnMessages)
         EXPECT_EQ(h.log.action, PatchFailedAction::downloadFullDB);
         EXPECT_EQ(restaurants->databaseVersionDate(), QDate(2017, 1, 1));
     }
+}
+
+// Catches a patch from the network that changes more than rows, or more than a patch may: a
+// view over an endless query in place of a table every start reads (which hung each later
+// start), a dropped table of places, triggers, new tables, a catalogue blown up with blobs, and
+// more scripts than a patch holds. Each is refused before the result replaces anything, the
+// whole file is asked for, and nothing of the user's is lost.
+TEST(PatchApply, PatchesChangeRowsOnlyWithinBounds)
+{
+    const QString endlessView = QStringLiteral(
+        "DROP TABLE price_ranks; CREATE VIEW price_ranks AS WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n)"
+        " SELECT x AS id, 'a' AS name, 'a' AS name_en FROM n");
+    const QList<QList<std::optional<QString>>> attacks = {
+        {renamePlace, endlessView, nextVersion},
+        {QStringLiteral("DROP TABLE restaurants"), nextVersion},
+        {QStringLiteral("CREATE TRIGGER t AFTER INSERT ON cuisines BEGIN DELETE FROM restaurants; END"), nextVersion},
+        {QStringLiteral("CREATE TABLE extra_table(x)"), nextVersion},
+        {QStringLiteral("ALTER TABLE restaurants RENAME TO r2"), nextVersion},
+        {QStringLiteral("CREATE TEMP TABLE t(x); INSERT INTO t VALUES (1)"), nextVersion},
+        {QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n LIMIT 100)"
+                        " INSERT INTO gallery (id, restaurant_id, data) SELECT 5000 + x, 101, zeroblob(10000000) FROM n"),
+         nextVersion},
+    };
+    for (const auto &attack : attacks) {
+        SCOPED_TRACE(attack.first()->toStdString());
+        PatchHome h;
+        h.home.defaults().setIntArray({101}, DefaultKeys::favoritos);
+        h.addPatch(attack);
+        Restaurants *restaurants = h.reloadWithLog();
+        EXPECT_EQ(h.log.failure, QStringLiteral("failed to apply patches"));
+        EXPECT_EQ(h.log.action, PatchFailedAction::downloadFullDB);
+        h.expectNothingLost(restaurants);
+    }
+
+    PatchHome many;
+    many.home.defaults().setIntArray({101}, DefaultKeys::favoritos);
+    QList<std::optional<QString>> nulls(Restaurants::maximumPatchScripts + 1, std::nullopt);
+    nulls.last() = nextVersion;
+    many.addPatch(nulls);
+    many.expectNothingLost(many.reloadWithLog());
+    EXPECT_EQ(many.log.action, PatchFailedAction::downloadFullDB);
+}
+
+// Catches a pending patch holding up a start (six slow scripts made the first frame wait half a
+// minute), and one abandoned with nobody told to fetch the whole file.
+TEST(PatchApply, APendingPatchAtAStartIsBoundedAndLeadsToTheWholeFile)
+{
+    EXPECT_EQ(Restaurants::patchTimeBudgetAtStartMs, 3000) << "a start waits a few seconds for a patch, no more";
+    const QString slow = QStringLiteral("WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n LIMIT 200000000)"
+                                        " UPDATE restaurants SET name = name WHERE id = (SELECT count(*) FROM n)");
+    PatchHome h;
+    h.home.defaults().setIntArray({101}, DefaultKeys::favoritos);
+    h.addPatch({slow, slow, slow, slow, slow, slow, nextVersion});
+    // As at a start after the process was killed mid-patch: nobody follows, no step budget.
+    Restaurants *restaurants = h.reloadWithLog(SqlSandbox().maxStepsPerRun, false);
+    h.expectNothingLost(restaurants);
+    EXPECT_TRUE(h.home.defaults().boolForKey(DefaultKeys::fullDownloadWanted)) << "the next Downloader fetches the whole file";
+}
+
+// Catches the patch step deleting what "patch-available" names outside its own folder: the
+// settings store named there was deleted, and with it every list, note and choice.
+TEST(PatchApply, APatchPathOutsideItsFolderIsNeverTouched)
+{
+    PatchHome h;
+    h.home.defaults().setIntArray({101}, DefaultKeys::favoritos);
+    const QString store = QDir(h.supportDir).filePath(QStringLiteral("UserDefaults.ini"));
+    ASSERT_TRUE(QFile::exists(store));
+    h.home.defaults().setString(store, DefaultKeys::patchAvailable);
+    Restaurants *restaurants = h.reloadWithLog();
+    EXPECT_TRUE(QFile::exists(store));
+    EXPECT_TRUE(h.home.defaults().stringForKey(DefaultKeys::patchAvailable).isEmpty());
+    h.expectNothingLost(restaurants);
 }

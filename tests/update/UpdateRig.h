@@ -2,6 +2,7 @@
 
 #include "catalogue/Restaurants.h"
 #include "fixtures/TestHome.h"
+#include "platform/DefaultKeys.h"
 #include "platform/Paths.h"
 #include "platform/UserDefaults.h"
 #include "toolkit/Publisher.h"
@@ -57,6 +58,8 @@ struct Follower : DownloaderDelegate {
 // A home with the catalogue of 20170101 in use, a Downloader for it, and a shelf served by the
 // toolkit's server (behind a fault proxy) announcing the catalogue of 20170201 with its patch;
 // signed with `signingKey` when one is given, and the home trusting `trustedKey` when given.
+// With neither, the shelf is unsigned and the home a developer's, with unsigned updates allowed:
+// for the tests of transfers and installation, whose files a signature would refuse first.
 struct UpdateRig {
     TestHome home;
     QByteArray signingKey;
@@ -79,6 +82,8 @@ struct UpdateRig {
             EXPECT_TRUE(pub.open(QIODevice::WriteOnly));
             pub.write("velmora-public-key " + trustedKey.toBase64() + '\n');
         }
+        if (signingKey.isEmpty() && trustedKey.isEmpty())
+            home.defaults().setBool(true, DefaultKeys::devAllowUnsignedUpdates);
         home.addCatalogue(QStringLiteral("20170101"));
         QString error;
         const quint16 port = server.listen(QHostAddress::LocalHost, 0, &error);

@@ -49,7 +49,7 @@ bool publish(const QString &newPath, const QStringList &oldPaths, const QString 
         }
         const QString archive = ios.filePath(PatchFiles::archivePath(old.date, date));
         PatchStats stats;
-        if (!buildPatch(oldPath, newPath, archive, error, &stats) || (signing && !signPublishedFile(archive, date, secretKey, error)))
+        if (!buildPatch(oldPath, newPath, archive, error, &stats) || (signing && !signPublishedFile(archive, date, secretKey, error, {}, old.date)))
             return false;
         patches.append(QJsonObject{{QStringLiteral("from"), CatalogueDates::formatCompact(old.date)},
                                    {QStringLiteral("archive"), archive},

@@ -41,14 +41,15 @@ bool writeKeyPair(const QString &directory, QString *error)
         && writeText(dir.filePath(SignedFiles::publicKeyFile), keyLine(SignedFiles::publicTag, pair.publicKey), false, error);
 }
 
-QByteArray signFile(const QString &path, const QString &name, const QDate &date, const QByteArray &secretKey, QString *error)
+QByteArray signFile(const QString &path, const QString &name, const QDate &date, const QByteArray &secretKey, QString *error,
+                    const std::optional<QDate> &from)
 {
     const QByteArray hash = Signatures::sha256OfFile(path);
     if (hash.isEmpty()) {
         *error = QStringLiteral("can't read %1").arg(path);
         return {};
     }
-    const QByteArray message = SignedFiles::signedMessage(name, date, hash);
+    const QByteArray message = SignedFiles::signedMessage(name, date, from, QFileInfo(path).size(), hash);
     const QByteArray signature = Signatures::sign(message, secretKey);
     if (signature.isEmpty()) {
         *error = QStringLiteral("not a secret signing key");
@@ -57,9 +58,10 @@ QByteArray signFile(const QString &path, const QString &name, const QDate &date,
     return message + "key: " + Signatures::publicKeyFor(secretKey).toBase64() + "\nsignature: " + signature.toBase64() + '\n';
 }
 
-bool signPublishedFile(const QString &path, const QDate &date, const QByteArray &secretKey, QString *error, const QString &publishedPath)
+bool signPublishedFile(const QString &path, const QDate &date, const QByteArray &secretKey, QString *error, const QString &publishedPath,
+                       const std::optional<QDate> &from)
 {
     const QString published = publishedPath.isEmpty() ? path : publishedPath;
-    const QByteArray text = signFile(path, QFileInfo(published).fileName(), date, secretKey, error);
+    const QByteArray text = signFile(path, QFileInfo(published).fileName(), date, secretKey, error, from);
     return !text.isEmpty() && writeText(published + SignedFiles::suffix, text, false, error);
 }
