@@ -26,7 +26,7 @@ struct NextMonthShelf {
         const QString next = work.filePath(QStringLiteral("velmora-20261201.db"));
         EXPECT_TRUE(writeCatalogue(makeDemo(options), next, &error)) << error.toStdString();
         QJsonObject report;
-        EXPECT_TRUE(publish(next, {current}, shelf.path(), QStringLiteral("http://127.0.0.1:%1").arg(proxy->port()), report, &error))
+        EXPECT_TRUE(publish(next, {current}, shelf.path(), QStringLiteral("http://127.0.0.1:%1").arg(proxy->port()), report, &error, TestSigning::publisher().secretKey))
             << error.toStdString();
         UpdateChecker::setInternetURLOverride(QUrl(QStringLiteral("http://127.0.0.1:%1/ios/last.txt").arg(proxy->port())));
     }

@@ -66,7 +66,7 @@ TEST(Settings, TenTapsOnTheChosenLanguageToggleTheDeveloperSection)
     EXPECT_FALSE(settings.home.defaults().boolForKey(DefaultKeys::developerModeEnabled));
     settings.tapLanguage("es", 1);
     EXPECT_TRUE(settings.home.defaults().boolForKey(DefaultKeys::developerModeEnabled));
-    EXPECT_EQ(settings.screen->settingsRows().size(), 7 + 1 + 5 + 6);
+    EXPECT_EQ(settings.screen->settingsRows().size(), 7 + 1 + 6 + 6);
     EXPECT_NE(settings.rowOf(Kind::action, QStringLiteral("delete-database")), -1);
     EXPECT_EQ(settings.screen->rows().at(settings.rowOf(Kind::header)).toMap().value(QStringLiteral("title")),
               QStringLiteral("IDIOMA"));

@@ -100,7 +100,7 @@ TEST(SignedUpdates, WhatIsNotSignedByATrustedKeyIsRefused)
          [&](UpdateRig &rig) {
              QString error;
              const QString patch = rig.served(QStringLiteral("ios/u2/update-20170101-20170201.zip"));
-             ASSERT_TRUE(signPublishedFile(patch, QDate(2017, 2, 1), stranger.secretKey, &error)) << error.toStdString();
+             ASSERT_TRUE(signPublishedFile(patch, QDate(2017, 2, 1), stranger.secretKey, &error, {}, QDate(2017, 1, 1))) << error.toStdString();
          },
          "signed by a key this app doesn't trust"},
         {"nothing signed at all",

@@ -2,6 +2,7 @@
 
 #include "catalogue/Restaurants.h"
 #include "fixtures/TestHome.h"
+#include "fixtures/TestSigning.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Paths.h"
 #include "platform/UserDefaults.h"
@@ -76,12 +77,8 @@ struct UpdateRig {
     explicit UpdateRig(const QByteArray &signingKey = {}, const QByteArray &trustedKey = {})
         : signingKey(signingKey)
     {
-        if (!trustedKey.isEmpty()) {
-            QDir().mkpath(Paths::applicationSupport() + QStringLiteral("/trusted-keys"));
-            QFile pub(Paths::applicationSupport() + QStringLiteral("/trusted-keys/publisher.pub"));
-            EXPECT_TRUE(pub.open(QIODevice::WriteOnly));
-            pub.write("velmora-public-key " + trustedKey.toBase64() + '\n');
-        }
+        if (!trustedKey.isEmpty())
+            EXPECT_TRUE(TestSigning::trust(trustedKey));
         if (signingKey.isEmpty() && trustedKey.isEmpty())
             home.defaults().setBool(true, DefaultKeys::devAllowUnsignedUpdates);
         home.addCatalogue(QStringLiteral("20170101"));

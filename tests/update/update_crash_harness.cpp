@@ -177,10 +177,14 @@ int main(int argc, char **argv)
     const QByteArray banner = server.readAllStandardOutput();
     const int port = banner.mid(banner.lastIndexOf(' ') + 1).trimmed().toInt();
     const QString base = QStringLiteral("http://127.0.0.1:%1/").arg(port);
-    if (!runTool(options, {QStringLiteral("publish"), newCatalogue, oldCatalogue, QStringLiteral("--to"), root + QStringLiteral("/patch"),
-                           QStringLiteral("--base-url"), base + QStringLiteral("patch")})
+    // Signed as a publisher signs, and trusted by every home as an installed app trusts its key.
+    const QString keys = work.filePath(QStringLiteral("keys"));
+    const QString secret = keys + QStringLiteral("/velmora-signing.key");
+    if (!runTool(options, {QStringLiteral("keygen"), QStringLiteral("-o"), keys})
+        || !runTool(options, {QStringLiteral("publish"), newCatalogue, oldCatalogue, QStringLiteral("--to"), root + QStringLiteral("/patch"),
+                              QStringLiteral("--base-url"), base + QStringLiteral("patch"), QStringLiteral("--key"), secret})
         || !runTool(options, {QStringLiteral("publish"), newCatalogue, QStringLiteral("--to"), root + QStringLiteral("/full"),
-                              QStringLiteral("--base-url"), base + QStringLiteral("full")}))
+                              QStringLiteral("--base-url"), base + QStringLiteral("full"), QStringLiteral("--key"), secret}))
         return 1;
 
     struct Scenario {
@@ -203,7 +207,9 @@ int main(int argc, char **argv)
     const auto freshHome = [&] {
         const QString home = work.filePath(QStringLiteral("home-%1").arg(++homes));
         QDir().mkpath(home + QStringLiteral("/Documents"));
+        QDir().mkpath(home + QStringLiteral("/Application Support/trusted-keys"));
         QFile::copy(oldCatalogue, home + QStringLiteral("/Documents/velmora-") + oldDate + QStringLiteral(".db"));
+        QFile::copy(keys + QStringLiteral("/velmora-signing.pub"), home + QStringLiteral("/Application Support/trusted-keys/publisher.pub"));
         return home;
     };
     const auto url = [&](const QString &shelf) { return base + shelf + QStringLiteral("/ios/last.txt"); };

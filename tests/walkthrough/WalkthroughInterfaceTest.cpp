@@ -62,7 +62,7 @@ struct DemoShelf {
         const QString named = work.filePath(QStringLiteral("velmora-20261101.db"));
         QFile::copy(catalogue, named);
         QJsonObject report;
-        EXPECT_TRUE(publish(named, {}, shelf.path(), QStringLiteral("http://127.0.0.1:%1").arg(proxy->port()), report, &error))
+        EXPECT_TRUE(publish(named, {}, shelf.path(), QStringLiteral("http://127.0.0.1:%1").arg(proxy->port()), report, &error, TestSigning::publisher().secretKey))
             << error.toStdString();
         UpdateChecker::setInternetURLOverride(QUrl(QStringLiteral("http://127.0.0.1:%1/ios/last.txt").arg(proxy->port())));
     }
