@@ -1,4 +1,6 @@
 #include "fixtures/TestHome.h"
+#include "platform/DefaultKeys.h"
+#include "platform/UserDefaults.h"
 #include "update/ServedTree.h"
 #include "update/ServiceCenter.h"
 #include "update/UpdateChecker.h"
@@ -42,6 +44,7 @@ TEST(Discovery, TwoServersFoundOneVanishesTheInvalidNeverJoins)
     if (qEnvironmentVariable("VELMORA_DNSSD_NAMESPACE") != QLatin1String("1"))
         GTEST_SKIP() << "runs only inside the namespace tests/update/in-netns.sh makes";
     TestHome home;
+    home.defaults().setBool(true, DefaultKeys::devAllowUnsignedUpdates); // discovery, not signatures
     auto restaurants = home.openCatalogue(CatalogueFixture::small());
     UpdateChecker checker(home.defaults(), *restaurants);
     ServiceCenter center(checker);

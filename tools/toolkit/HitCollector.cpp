@@ -4,8 +4,7 @@
 #include "platform/Database.h"
 
 #include <QDateTime>
-#include <QHttpServerRequest>
-#include <QHttpServerResponder>
+#include <QDebug>
 #include <QJsonArray>
 
 namespace {
@@ -19,16 +18,8 @@ const QByteArray pixel = QByteArray::fromBase64("R0lGODlhAQABAIAAAAAAAP///yH5BAE
 
 HitCollector::HitCollector(const QString &databasePath)
     : m_path(databasePath)
+    , m_intake(maxBodyBytes, [this](const HttpIntake::Request &request) { return collect(request); })
 {
-    m_server.setMissingHandler([this](const QHttpServerRequest &request, QHttpServerResponder &&responder) {
-        const QByteArray method = request.method() == QHttpServerRequest::Method::Get    ? QByteArrayLiteral("GET")
-                                  : request.method() == QHttpServerRequest::Method::Post ? QByteArrayLiteral("POST")
-                                                                                         : QByteArrayLiteral("OTHER");
-        const Answer answer = collect(request.url().path().toUtf8(), method, request.url().query(QUrl::FullyEncoded).toUtf8(),
-                                      request.body(), request.value("Content-Encoding").trimmed().toLower());
-        const bool gif = answer.status == 200 && answer.body == pixel;
-        responder.write(answer.body, gif ? "image/gif" : "text/plain; charset=utf-8", QHttpServerResponder::StatusCode(answer.status));
-    });
 }
 
 HitCollector::~HitCollector() = default;
@@ -37,8 +28,8 @@ bool HitCollector::open(QString *error)
 {
     m_db = std::make_unique<Database>(m_path);
     if (!m_db->open()
-        || !m_db->executeStatements(QStringLiteral(
-            "PRAGMA journal_mode=WAL;"
+        || !m_db->executeStatements(QStringLiteral("PRAGMA journal_mode=WAL; PRAGMA busy_timeout=%1;").arg(busyTimeoutMs)
+                                    + QStringLiteral(
             "CREATE TABLE IF NOT EXISTS hits (id INTEGER PRIMARY KEY, received INTEGER NOT NULL, hit_type TEXT NOT NULL,"
             " tracking_id TEXT, client_id TEXT, category TEXT, action TEXT, label TEXT, value TEXT, screen TEXT,"
             " hit_time INTEGER, cache_buster TEXT, payload TEXT NOT NULL);"
@@ -51,7 +42,7 @@ bool HitCollector::open(QString *error)
 
 quint16 HitCollector::listen(const QHostAddress &address, quint16 port, QString *error)
 {
-    const quint16 listening = m_server.listen(address, port);
+    const quint16 listening = m_intake.listen(address, port);
     if (!listening)
         *error = QStringLiteral("can't listen on port %1").arg(port);
     return listening;
@@ -84,35 +75,36 @@ std::optional<CollectedHit> HitCollector::parseHit(const QByteArray &line, QStri
     return hit;
 }
 
-HitCollector::Answer HitCollector::collect(const QByteArray &path, const QByteArray &method, const QByteArray &query,
-                                           const QByteArray &body, const QByteArray &encoding)
+std::optional<HitCollector::Answer> HitCollector::collect(const HttpIntake::Request &request)
 {
+    const QByteArray &path = request.path, &method = request.method, &query = request.query, &body = request.body,
+                     &encoding = request.contentEncoding;
     const bool single = path == "/collect";
     if (!single && path != "/batch")
-        return {404, "not found\n"};
+        return Answer{404, "not found\n"};
     if (method != "POST" && !(single && method == "GET"))
-        return {405, "method not allowed\n"};
+        return Answer{405, "method not allowed\n"};
     if (const int status = single ? collectStatusOverride : batchStatusOverride)
-        return {status, "unavailable\n"};
+        return Answer{status, "unavailable\n"};
     if (body.size() > maxBodyBytes)
-        return {413, "body too large\n"};
+        return Answer{413, "body too large\n"};
 
     QByteArray payload = single && method == "GET" ? query : body;
     if (encoding == "gzip" || encoding == "deflate") {
         QByteArray inflated;
         if (!Compression::decompress(body, encoding == "gzip" ? Compression::Format::Gzip : Compression::Format::Deflate,
                                      maxInflatedBytes, inflated))
-            return {400, "body does not decompress\n"};
+            return Answer{400, "body does not decompress\n"};
         payload = inflated;
     } else if (!encoding.isEmpty() && encoding != "identity") {
-        return {415, "unknown content encoding\n"};
+        return Answer{415, "unknown content encoding\n"};
     }
 
     QList<CollectedHit> hits;
     QStringList rejections;
     const QList<QByteArray> lines = payload.split('\n');
     if (single && lines.size() > 2)
-        return {400, "one hit only; use /batch\n"};
+        return Answer{400, "one hit only; use /batch\n"};
     for (const QByteArray &line : lines) {
         if (line.trimmed().isEmpty())
             continue;
@@ -122,24 +114,31 @@ HitCollector::Answer HitCollector::collect(const QByteArray &path, const QByteAr
         else
             rejections.append(why);
     }
-    store(hits, rejections);
+    if (!store(hits, rejections))
+        return std::nullopt;
     if (single)
-        return hits.isEmpty() ? Answer{400, (rejections.value(0, QStringLiteral("no hit")) + QLatin1Char('\n')).toUtf8()} : Answer{200, pixel};
-    return {200, QStringLiteral("%1 stored, %2 rejected\n").arg(hits.size()).arg(rejections.size()).toUtf8()};
+        return hits.isEmpty() ? Answer{400, (rejections.value(0, QStringLiteral("no hit")) + QLatin1Char('\n')).toUtf8()}
+                              : Answer{200, pixel, "image/gif"};
+    return Answer{200, QStringLiteral("%1 stored, %2 rejected\n").arg(hits.size()).arg(rejections.size()).toUtf8()};
 }
 
-void HitCollector::store(const QList<CollectedHit> &hits, const QStringList &rejections)
+bool HitCollector::store(const QList<CollectedHit> &hits, const QStringList &rejections)
 {
     const qint64 received = QDateTime::currentMSecsSinceEpoch();
-    m_db->executeStatements(QStringLiteral("BEGIN"));
+    // All of a request or nothing: a hit is answered only once it is stored.
+    bool stored = m_db->executeStatements(QStringLiteral("BEGIN IMMEDIATE"));
     for (const CollectedHit &hit : hits)
-        m_db->executeUpdate(QStringLiteral("INSERT INTO hits (received, hit_type, tracking_id, client_id, category, action, label, value,"
+        stored = stored && m_db->executeUpdate(QStringLiteral("INSERT INTO hits (received, hit_type, tracking_id, client_id, category, action, label, value,"
                                            " screen, hit_time, cache_buster, payload) VALUES (?,?,?,?,?,?,?,?,?,?,?,?)"),
                             {received, hit.type, hit.trackingId, hit.clientId, hit.category, hit.action, hit.label, hit.value, hit.screen,
                              hit.hitTime >= 0 ? QVariant(hit.hitTime) : QVariant(), hit.cacheBuster, QString::fromUtf8(hit.payload)});
     for (const QString &why : rejections)
-        m_db->executeUpdate(QStringLiteral("INSERT INTO rejected (received, reason) VALUES (?, ?)"), {received, why});
-    m_db->executeStatements(QStringLiteral("COMMIT"));
+        stored = stored && m_db->executeUpdate(QStringLiteral("INSERT INTO rejected (received, reason) VALUES (?, ?)"), {received, why});
+    if (stored && m_db->executeStatements(QStringLiteral("COMMIT")))
+        return true;
+    qWarning().noquote() << "velmora-catalogue collect: hits not stored, the request goes unanswered:" << m_db->lastErrorMessage();
+    m_db->executeStatements(QStringLiteral("ROLLBACK"));
+    return false;
 }
 
 bool HitCollector::summary(const QString &databasePath, QJsonObject &out, QString *error)

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <QHttpServer>
+#include "HttpIntake.h"
+
+#include <QHostAddress>
 #include <QJsonObject>
 #include <QString>
 #include <QUrlQuery>
@@ -23,7 +25,10 @@ struct CollectedHit {
 // A measurement service of our own, for a publisher who wants to see what the app reports and
 // for the tests that check the app's dispatcher against a real server: /collect takes one hit
 // (GET query or POST body), /batch one hit a line (POST, plain, gzip or deflate). Each valid hit
-// becomes a row of an SQLite file; invalid ones are counted with the reason.
+// becomes a row of an SQLite file; invalid ones are counted with the reason. A body announced
+// over the limit is refused before it is read, and a request is answered only once what it
+// brought is stored: when the file can't take it (locked, full), the connection closes with no
+// answer, which the app takes as "send again" (any answer makes it delete what it sent).
 class HitCollector
 {
 public:
@@ -38,6 +43,9 @@ public:
     // The port listened on (a free one for 0), or 0 with `error` set.
     quint16 listen(const QHostAddress &address, quint16 port, QString *error);
 
+    // How long an insert waits for a database another process holds.
+    static constexpr int busyTimeoutMs = 2000;
+
     // Answers as a service under strain would, for tests: a status other than 0 replaces the
     // answer to every request of that path (which then stores nothing).
     int collectStatusOverride = 0;
@@ -49,15 +57,12 @@ public:
     static bool summary(const QString &databasePath, QJsonObject &out, QString *error);
 
 private:
-    struct Answer {
-        int status;
-        QByteArray body;
-    };
-    Answer collect(const QByteArray &path, const QByteArray &method, const QByteArray &query, const QByteArray &body,
-                   const QByteArray &encoding);
-    void store(const QList<CollectedHit> &hits, const QStringList &rejections);
+    using Answer = HttpIntake::Answer;
+    // No answer when the hits could not be stored.
+    std::optional<Answer> collect(const HttpIntake::Request &request);
+    bool store(const QList<CollectedHit> &hits, const QStringList &rejections);
 
     QString m_path;
     std::unique_ptr<Database> m_db;
-    QHttpServer m_server;
+    HttpIntake m_intake;
 };
