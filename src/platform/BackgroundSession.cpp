@@ -189,6 +189,9 @@ void BackgroundSession::start()
         request.setRawHeader("Range", "bytes=" + QByteArray::number(have) + '-');
         request.setRawHeader("If-Range", validator);
         m_task->offset = have;
+    } else if (have > 0 && ++m_task->restarts > m_limits.maximumRestarts) {
+        // Nothing to resume by: each try fetches the whole file again, and that is counted.
+        return failTask(NetworkConnectionLost, QStringLiteral("the server keeps sending the file from its start"), false);
     }
     m_abortCode = 0;
     m_abortMessage.clear();
@@ -385,7 +388,7 @@ void BackgroundSession::checkThroughput()
     m_windowBytes = 0;
 }
 
-void BackgroundSession::failTask(int code, const QString &message, bool keepPartial)
+void BackgroundSession::failTask(int code, QString message, bool keepPartial)
 {
     m_retry.stop();
     m_throughput.stop();

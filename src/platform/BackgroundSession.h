@@ -90,7 +90,7 @@ private:
     void endTask();
     bool saveRecord() const;
     // Ends the task now with `code`; the partial file goes too unless it may be resumed later.
-    void failTask(int code, const QString &message, bool keepPartial);
+    void failTask(int code, QString message, bool keepPartial);
     // Aborts the reply under way; finished() then ends or resumes the task as `code` says.
     void abortReply(int code, const QString &message);
     void checkThroughput();

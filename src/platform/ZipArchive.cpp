@@ -51,7 +51,9 @@ bool ZipArchive::create(const QString &zipPath, const QList<Entry> &entries, con
             zip_discard(archive);
             return false;
         }
-        if (zip_set_file_compression(archive, zip_uint64_t(index), ZIP_CM_DEFLATE, 9) != 0
+        if ((entry.symbolicLink
+             && zip_file_set_external_attributes(archive, zip_uint64_t(index), 0, ZIP_OPSYS_UNIX, zip_uint32_t(0120777) << 16) != 0)
+            || zip_set_file_compression(archive, zip_uint64_t(index), ZIP_CM_DEFLATE, 9) != 0
             || (encryption != Encryption::None
                 && zip_file_set_encryption(archive, zip_uint64_t(index), method, secret.constData()) != 0)) {
             *error = zipError(archive);

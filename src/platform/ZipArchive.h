@@ -12,6 +12,7 @@ struct Entry {
     QString name;
     QByteArray bytes;
     QString sourceFile;
+    bool symbolicLink = false; // marked as a Unix link to `bytes`, as some archivers store links
 };
 // Writes `zipPath` holding `entries`, deflated, each encrypted with `password` as asked. The
 // toolkit writes AES-256; the older ZIP encryption exists for archives made elsewhere.
