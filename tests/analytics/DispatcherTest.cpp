@@ -305,3 +305,30 @@ TEST(Dispatcher, TheAppsEventsTravelOnTheMeasurementThread)
     EXPECT_EQ(summary.value(QStringLiteral("duplicates")).toInt(), 0);
     EXPECT_EQ(home.storedEvents(), QStringList());
 }
+
+// Catches a collector that answered hits it never stored (its database locked by another
+// writer: the app deleted them on the answer), and one that read a huge body whole before
+// refusing it: a body announced over the limit is refused on its head, before any of it is sent.
+TEST(Dispatcher, TheCollectorAnswersOnlyWhatItStoredAndRefusesHugeBodiesUnread)
+{
+    Rig rig;
+    rig.queue(3);
+    {
+        Database writer(rig.dir.filePath(QStringLiteral("collected.sqlite")));
+        ASSERT_TRUE(writer.open() && writer.executeStatements(QStringLiteral("BEGIN EXCLUSIVE")));
+        EXPECT_EQ(rig.dispatchNow(), Result::Error) << "no answer while nothing could be stored";
+        EXPECT_EQ(rig.dispatcher->store().hitCount(), 3) << "the app keeps what wasn't stored";
+        ASSERT_TRUE(writer.executeStatements(QStringLiteral("COMMIT")));
+    }
+    EXPECT_TRUE(rig.arrived().isEmpty());
+    EXPECT_EQ(rig.drain(), 1);
+    EXPECT_EQ(rig.arrived(), rig.queuedLabels(0, 3)) << "each hit stored once, once the database is free";
+
+    QTcpSocket client;
+    client.connectToHost(QHostAddress::LocalHost, rig.port);
+    ASSERT_TRUE(client.waitForConnected(3000));
+    client.write("POST /batch HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: 1500000000\r\n\r\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return client.bytesAvailable() > 0 || client.state() != QAbstractSocket::ConnectedState; }, 5000));
+    EXPECT_TRUE(client.readAll().startsWith("HTTP/1.1 413")) << "refused on its announced length, not a byte of it read";
+    EXPECT_EQ(rig.arrived().size(), 3);
+}
