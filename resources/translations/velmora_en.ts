@@ -323,6 +323,14 @@
         <source>info_db_up_to_date</source>
         <translation>up to date</translation>
     </message>
+    <message id="info_updates_key_broken">
+        <source>info_updates_key_broken</source>
+        <translation>No updates will be installed: a trusted signing key is damaged. Reinstall the app or tell support.</translation>
+    </message>
+    <message id="info_updates_no_key">
+        <source>info_updates_no_key</source>
+        <translation>No updates will be installed: this installation trusts no signing key.</translation>
+    </message>
     <message id="info_update_db">
         <source>info_update_db</source>
         <translation>Update</translation>

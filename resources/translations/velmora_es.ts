@@ -323,6 +323,14 @@
         <source>info_db_up_to_date</source>
         <translation>al día</translation>
     </message>
+    <message id="info_updates_key_broken">
+        <source>info_updates_key_broken</source>
+        <translation>No se instalarán actualizaciones: una clave de firma de confianza está dañada. Reinstala la aplicación o avisa al soporte.</translation>
+    </message>
+    <message id="info_updates_no_key">
+        <source>info_updates_no_key</source>
+        <translation>No se instalarán actualizaciones: esta instalación no confía en ninguna clave de firma.</translation>
+    </message>
     <message id="info_update_db">
         <source>info_update_db</source>
         <translation>Actualizar</translation>

@@ -112,6 +112,16 @@ bool InfoTableViewController::offer() const
            || m_defaults.boolForKey(DefaultKeys::devUpdateAlwaysEnabled);
 }
 
+QString InfoTableViewController::updateWarning() const
+{
+    switch (m_checker ? m_checker->trust() : UpdateChecker::Trust::Ok) {
+    case UpdateChecker::Trust::BrokenKey: return qtTrId("info_updates_key_broken");
+    case UpdateChecker::Trust::NoKey: return qtTrId("info_updates_no_key");
+    case UpdateChecker::Trust::Ok: break;
+    }
+    return {};
+}
+
 void InfoTableViewController::didSelectRow(int row)
 {
     const QString kind = m_cells.value(row);

@@ -25,6 +25,7 @@ class InfoTableViewController : public ViewController, public DownloaderDelegate
     Q_PROPERTY(QString appVersion READ appVersion NOTIFY cellsChanged)
     Q_PROPERTY(QString databaseVersion READ databaseVersion NOTIFY cellsChanged)
     Q_PROPERTY(bool offer READ offer NOTIFY cellsChanged)
+    Q_PROPERTY(QString updateWarning READ updateWarning NOTIFY cellsChanged)
     Q_PROPERTY(ProgressCell *progressCell READ progressCell CONSTANT)
 
 public:
@@ -51,6 +52,9 @@ public:
     QString databaseVersion() const;
     // Whether the update is offered: an expired catalogue, a newer one known, or the developer switch.
     bool offer() const;
+    // Why no update can be installed (a trusted key that doesn't parse, or none), for the user;
+    // empty when updates may go ahead.
+    QString updateWarning() const;
     ProgressCell *progressCell() { return &m_progressCell; }
 
     Q_INVOKABLE void didSelectRow(int row);

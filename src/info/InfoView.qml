@@ -63,6 +63,7 @@ Rectangle {
             // A tap on the versions asks the server again.
             Accessible.role: Accessible.Button
             Accessible.name: root.controller.appVersion + ", " + root.controller.databaseVersion
+                             + (root.controller.updateWarning ? ", " + root.controller.updateWarning : "")
             Accessible.onPressAction: root.controller.didSelectRow(1)
             MouseArea { id: updateArea; anchors.fill: parent; onClicked: root.controller.didSelectRow(1) }
             Column {
@@ -76,6 +77,15 @@ Rectangle {
                     text: root.controller.databaseVersion
                     color: "#5a4a42"
                     font: Theme.font("OpenSans-Light", 14)
+                    wrapMode: Text.Wrap
+                }
+                Text {
+                    objectName: "updateWarningLabel"
+                    visible: text !== ""
+                    width: parent.width
+                    text: root.controller.updateWarning
+                    color: "#b3261e"
+                    font: Theme.font("OpenSans-Semibold", 13)
                     wrapMode: Text.Wrap
                 }
             }

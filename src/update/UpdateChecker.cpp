@@ -58,6 +58,13 @@ bool UpdateChecker::requiresSignatures() const
     return !m_trust.keys.isEmpty() || !m_trust.problems.isEmpty() || !m_defaults.boolForKey(DefaultKeys::devAllowUnsignedUpdates);
 }
 
+UpdateChecker::Trust UpdateChecker::trust() const
+{
+    if (!m_trust.problems.isEmpty())
+        return Trust::BrokenKey;
+    return m_trust.keys.isEmpty() && requiresSignatures() ? Trust::NoKey : Trust::Ok;
+}
+
 QString UpdateChecker::trustProblem() const
 {
     if (!m_trust.problems.isEmpty())

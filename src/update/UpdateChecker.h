@@ -63,6 +63,8 @@ public:
     // Why no update can be taken at all: a trusted key file that doesn't parse, or no key with
     // unsigned updates not allowed. Empty when updates may go ahead.
     QString trustProblem() const;
+    enum class Trust { Ok, BrokenKey, NoKey };
+    Trust trust() const;
     // An announced date further ahead of this device's clock than this is refused from anyone.
     static constexpr int maximumDaysAhead = 365;
     // A source that served something refused is skipped for the rest of the run.

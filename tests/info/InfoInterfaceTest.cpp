@@ -3,6 +3,7 @@
 #include "toolkit/CatalogueWriter.h"
 #include "toolkit/DemoGenerator.h"
 #include "toolkit/Publisher.h"
+#include "platform/Paths.h"
 #include "toolkit/UpdateServer.h"
 #include "update/FaultProxy.h"
 #include "update/UpdateChecker.h"
@@ -69,4 +70,35 @@ TEST(InfoInterface, TheUpdateButtonPatchesTheCatalogueInPlace)
     EXPECT_TRUE(ui.item("upToDateMark")->isVisible());
     // The old file goes once the patched one is in use, at the end of that load.
     EXPECT_TRUE(QTest::qWaitFor([&] { return !QFile::exists(ui.demoFile); }, 5000));
+}
+
+// Catches a broken trusted key that the user never hears of (the app quietly took no update, or
+// took unsigned ones): the info screen says so in the user's language, and the update button
+// fetches nothing.
+TEST(InfoInterface, ABrokenTrustedKeyIsToldAndNothingIsFetched)
+{
+    DemoWindow ui({}, DemoWindow::Start::WithCatalogue, [](TestHome &) {
+        QFile broken(Paths::applicationSupport() + QStringLiteral("/trusted-keys/mirror.pub"));
+        ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+        broken.write("velmora-public-key 11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHUR\n");
+    });
+    NextMonthShelf shelf(ui.demoFile);
+    ui.delegate.openLink(QStringLiteral("velmora://info"), false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("updateWarningLabel") && ui.item("updateWarningLabel")->isVisible(); }, 3000));
+    EXPECT_EQ(ui.item("updateWarningLabel")->property("text").toString(), qtTrId("info_updates_key_broken"));
+    EXPECT_NE(qtTrId("info_updates_key_broken"), QStringLiteral("info_updates_key_broken"));
+    ui.save("info-key-broken");
+
+    ui.delegate.updateChecker()->noteAnnouncedDate(QDate(2026, 12, 1));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("updateButton") && ui.item("updateButton")->isVisible(); }, 2000));
+    shelf.proxy->requests.clear();
+    tap(ui.window->window(), ui.item("updateButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        // What the status label draws: its row's cell's text.
+        QQuickItem *row = ui.item("infoProgressRow");
+        QObject *cell = row ? row->property("cell").value<QObject *>() : nullptr;
+        return cell && ui.item("progressStatus")->isVisible() && cell->property("statusText").toString().contains(QLatin1String("refused"));
+    }, 10000)) << "the refusal is shown in the progress row";
+    EXPECT_TRUE(shelf.proxy->requests.isEmpty()) << "nothing is fetched";
+    EXPECT_EQ(QDir(ui.home.documents()).entryList(QDir::Files), QStringList{QStringLiteral("velmora-20261101.db")});
 }
