@@ -140,6 +140,8 @@ public:
     static constexpr qint64 patchTimeBudgetAtStartMs = 3'000; // at a start, which waits for it
     static constexpr int maximumPatchGrowth = 2;              // times the catalogue it starts from
     static constexpr qint64 minimumPatchedFileBytes = 16 * 1024 * 1024;
+    // Progress crosses to the main thread; scripts can be many and short.
+    static constexpr qint64 patchProgressIntervalMs = 50;
 
     // Applies the patch noted under "patch-available" to a copy of the catalogue at `path`
     // (version `date`) and moves the result into Documents under its new date. True when it did

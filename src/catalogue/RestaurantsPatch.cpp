@@ -19,8 +19,7 @@
 #include <functional>
 
 namespace {
-// Progress crosses to the main thread; scripts can be many and short.
-constexpr qint64 progressIntervalMs = 50;
+constexpr qint64 progressIntervalMs = Restaurants::patchProgressIntervalMs;
 
 struct PatchRun {
     int total = 0;

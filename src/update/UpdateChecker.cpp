@@ -171,7 +171,7 @@ void UpdateChecker::fetchSmall(const QUrl &url, std::function<void(const QByteAr
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    request.setTransferTimeout(60000);
+    request.setTransferTimeout(fetchTimeoutMs);
     request.setMaximumRedirectsAllowed(5);
     QNetworkReply *reply = manager().get(request);
     // A body beyond a few kilobytes is no announcement: stop reading, count it as failed.

@@ -54,6 +54,8 @@ public:
                          std::function<void(const QString &message)> failed = {});
 
     static constexpr qint64 maximumBody = 4096;
+    // A fetch of update information (or of a signature) gives up after this long.
+    static constexpr int fetchTimeoutMs = 60'000;
 
     // Signed updates: update information, catalogues and patches count only with a valid
     // signature from a trusted key (SignedFiles). Only a home that trusts no key at all, with the

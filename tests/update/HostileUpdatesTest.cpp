@@ -8,6 +8,7 @@
 #include "toolkit/Signing.h"
 #include "update/HostileServer.h"
 #include "update/PatchFiles.h"
+#include "update/UpdateService.h"
 #include "update/UpdateRig.h"
 
 #include <QProcess>
@@ -74,6 +75,34 @@ void replacePatch(UpdateRig &rig, const QList<ZipArchive::Entry> &entries)
     QFile::remove(path);
     ASSERT_TRUE(ZipArchive::create(path, entries, PatchFiles::archivePassword, ZipArchive::Encryption::Aes256, &error)) << error.toStdString();
 }
+}
+
+// ---- the path's constants -------------------------------------------------------------------
+
+// Catches a changed constant of the update path that no behaviour test would notice: how often
+// the Internet is asked, how long a fetch waits, where the Internet and an unconfigured server
+// stand among the sources, the archives' password, the transfer's identity, how often a patch
+// reports, and the bounds this path puts on what a network sends.
+TEST(UpdateConstants, AreTheDesignsAndTheBoundsChosen)
+{
+    EXPECT_EQ(UpdateChecker::internetCheckInterval, 21600.0);
+    EXPECT_EQ(UpdateChecker::fetchTimeoutMs, 60000);
+    EXPECT_EQ(UpdateChecker::maximumDaysAhead, 365);
+    EXPECT_EQ(Downloader::internetPriority, 100);
+    EXPECT_EQ(UpdateService::defaultPriority, 500);
+    EXPECT_EQ(PatchFiles::archivePassword, QStringLiteral("Hw3TzqLm8XvRk2NbYc7PfJs9GdUe4AoQ"));
+    EXPECT_EQ(Downloader::backgroundID, QStringLiteral("com.brenvistaco.ios.velmora.download_db"));
+    EXPECT_EQ(Restaurants::patchProgressIntervalMs, 50);
+    EXPECT_EQ(Restaurants::patchTimeBudgetAtStartMs, 3000);
+    EXPECT_EQ(Restaurants::maximumPatchScripts, 5000);
+    EXPECT_EQ(Restaurants::maximumPatchGrowth, 2);
+    const TransferLimits limits;
+    EXPECT_EQ(limits.hardCapBytes, 512ll * 1024 * 1024);
+    EXPECT_EQ(limits.stallMilliseconds, 30000);
+    EXPECT_EQ(limits.maximumResumes, 3);
+    EXPECT_EQ(limits.maximumRestarts, 3);
+    EXPECT_EQ(BackgroundSession::FileDoesNotExist, -1100);
+    EXPECT_EQ(BackgroundSession::Cancelled, -999);
 }
 
 // ---- trust -----------------------------------------------------------------------------------
