@@ -225,7 +225,7 @@ int runUpdateNow(int discoverySeconds)
             follower.finish(QStringLiteral("failed"), QStringLiteral("refused: ") + checker.refusals().join(QStringLiteral("; ")));
         else if (!internetAnswered && center.updateURLs().isEmpty())
             follower.finish(QStringLiteral("failed"), QStringLiteral("no update source answered"));
-        else if (!checker.isNewerDatabaseKnown() && restaurants.ready())
+        else if (!checker.isNewerDatabaseKnown() && !center.hasNewerThan(restaurants.databaseVersionDate()) && restaurants.ready())
             follower.finish(QStringLiteral("up-to-date"), QString());
         else {
             follower.say(QStringLiteral("a newer catalogue is announced; fetching it"));

@@ -120,9 +120,10 @@ void Downloader::startUpdate()
         [self, attempt, next](const UpdateInfo &info) {
             if (!self || self->m_attempt != attempt)
                 return;
-            // Nothing is fetched from a source that has nothing newer: the next one may.
+            // Nothing is fetched from a source that has nothing newer: the next one may. (A
+            // developer keeping old catalogues may fetch the same one again.)
             const std::optional<QDate> current = self->m_restaurants.ready() ? self->m_restaurants.databaseVersionDate() : std::nullopt;
-            if (current && info.date <= *current) {
+            if (current && info.date <= *current && !self->m_defaults.boolForKey(DefaultKeys::devKeepOldDbs)) {
                 qCInfo(lcUpdate).noquote() << next.url.toString() << "announces" << info.date.toString(Qt::ISODate) << "- nothing newer";
                 return self->tryNextSource(QStringLiteral("no source has a catalogue newer than %1").arg(current->toString(Qt::ISODate)));
             }
@@ -402,8 +403,14 @@ void Downloader::installPatch(const QString &location)
 {
     const std::optional<Expected> expected = loadExpected();
     m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
-    if (m_folders.applicationSupport.isEmpty() || !expected || !expected->from)
+    if (m_folders.applicationSupport.isEmpty())
         return;
+    if (!expected || !expected->from) {
+        // What the archive must hold is no longer known: it can't be judged, so it isn't used.
+        qCWarning(lcUpdate) << "A patch arrived with no record of what it must be; fetching the whole catalogue";
+        startFullDownload();
+        return;
+    }
     // The archive came from the network: it unpacks into a folder of its own, emptied first,
     // and only as the one file this patch must be; anything else is refused before a byte is
     // written, and the whole file fetched instead.

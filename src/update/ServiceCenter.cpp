@@ -29,6 +29,14 @@ QList<UpdateURL> ServiceCenter::updateURLs() const
     return urls;
 }
 
+bool ServiceCenter::hasNewerThan(const std::optional<QDate> &date) const
+{
+    for (const UpdateService &service : m_services)
+        if (service.url && service.dburl && (!date || service.date > *date))
+            return true;
+    return false;
+}
+
 void ServiceCenter::didFindService(const QString &name, const QString &type, const QString &domain)
 {
     m_services.insert(UpdateService::found(domain, type, name));

@@ -7,6 +7,8 @@
 #include <QSet>
 #include <QUrl>
 
+#include <optional>
+
 class ServiceBrowser;
 class UpdateChecker;
 
@@ -34,6 +36,8 @@ public:
     const QSet<UpdateService> &services() const { return m_services; }
     // The sources with a URL, in no particular order.
     QList<UpdateURL> updateURLs() const;
+    // Whether a proven local source announced a catalogue later than `date` (any, without one).
+    bool hasNewerThan(const std::optional<QDate> &date) const;
 
     // What the browser reports; public so that a test can play a network's events.
     void didFindService(const QString &name, const QString &type, const QString &domain);
