@@ -661,6 +661,10 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>wt_import_other_key</source>
         <translation>That catalogue can't be read: it was made for another app, or it is damaged.</translation>
     </message>
+    <message id="wt_chooser_missing">
+        <source>wt_chooser_missing</source>
+        <translation>The file chooser can't open: part of the app is missing. Copy the catalogue into the folder above, or drop it here.</translation>
+    </message>
     <message id="wt_import_damaged">
         <source>wt_import_damaged</source>
         <translation>That catalogue is damaged. Ask for a new copy.</translation>

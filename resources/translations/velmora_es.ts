@@ -662,6 +662,10 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>wt_import_other_key</source>
         <translation>Ese catálogo no se puede leer: es de otra aplicación o está dañado.</translation>
     </message>
+    <message id="wt_chooser_missing">
+        <source>wt_chooser_missing</source>
+        <translation>No se puede abrir el selector de archivos: falta una parte de la aplicación. Copia el catálogo en la carpeta de arriba o arrástralo aquí.</translation>
+    </message>
     <message id="wt_import_damaged">
         <source>wt_import_damaged</source>
         <translation>Ese catálogo está dañado. Pide una copia nueva.</translation>

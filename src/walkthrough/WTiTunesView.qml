@@ -52,7 +52,7 @@ Item {
             visible: !root.controller.ready
             enabled: !root.controller.importing
             text: qsTrId("wt_open_catalogue")
-            onClicked: fileDialog.open()
+            onClicked: if (root.controller.openFileChooser()) fileDialog.open()
         }
         Item {
             width: parent.width

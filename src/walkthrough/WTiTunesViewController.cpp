@@ -12,7 +12,11 @@
 #include "walkthrough/WalkthroughDelegate.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QLibraryInfo>
 #include <QPointer>
+
+#include <algorithm>
 
 namespace {
 const char *const stepKeys[] = {"open_itunes_and_connect_your_DEVICE", "go_to_applications", "in_shared_files_click_the_app_velmora",
@@ -114,6 +118,27 @@ void WTiTunesViewController::startButtonTouched()
 {
     if (m_ready && walkthroughDelegate)
         walkthroughDelegate->databaseReady();
+}
+
+bool WTiTunesViewController::openFileChooser()
+{
+    QStringList paths = qmlImportPaths;
+    if (paths.isEmpty()) {
+        paths = qEnvironmentVariable("QML_IMPORT_PATH").split(QLatin1Char(':'), Qt::SkipEmptyParts);
+        paths.append(QLibraryInfo::path(QLibraryInfo::QmlImportsPath));
+    }
+    for (const QString &module : fileChooserModules) {
+        const bool found = std::any_of(paths.cbegin(), paths.cend(), [&](const QString &path) {
+            return QFileInfo::exists(path + QLatin1Char('/') + module + QStringLiteral("/qmldir"));
+        });
+        if (!found) {
+            qCWarning(lcApp).noquote() << "The file chooser needs the QML module" << module << "which is not installed";
+            m_message = qtTrId("wt_chooser_missing");
+            emit stateChanged();
+            return false;
+        }
+    }
+    return true;
 }
 
 void WTiTunesViewController::importCatalogue(const QUrl &file)

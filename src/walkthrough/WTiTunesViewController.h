@@ -46,6 +46,14 @@ public:
     // A file dropped on the window or chosen in the dialog: copied into Documents if it is a
     // catalogue the guide can use; the watch then finds it.
     Q_INVOKABLE void importCatalogue(const QUrl &file);
+    // Whether the file chooser can open: the system's dialog loads QML modules of its own when it
+    // first opens, and one that isn't installed would end the app. When one is missing, the
+    // message says so and the chooser stays shut.
+    Q_INVOKABLE bool openFileChooser();
+    // The QML modules the chooser loads, and where they are looked for (the Qt installation's
+    // folder and QML_IMPORT_PATH; tests point it elsewhere).
+    static inline const QStringList fileChooserModules = {QStringLiteral("QtQuick/Dialogs"), QStringLiteral("Qt/labs/folderlistmodel")};
+    QStringList qmlImportPaths;
 
 signals:
     void stepsChanged();

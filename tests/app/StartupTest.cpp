@@ -7,6 +7,9 @@
 #include "platform/UserDefaults.h"
 
 #include <QDir>
+#include <QDirIterator>
+#include <QQmlComponent>
+#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -112,4 +115,23 @@ TEST(Startup, WindowShowsTheRootAndSwitchesWhenACatalogueArrives)
     EXPECT_TRUE(QTest::qWaitFor([&] { return screenNamed(window, "sideDrawer") != nullptr; }, 2000));
     EXPECT_FALSE(screenNamed(window, "walkthrough"));
     saveScreenshot(window, QStringLiteral("startup-main"));
+}
+
+// Catches a QML module the app imports that scripts/setup doesn't install (or a file that no
+// longer compiles): every QML file of the app is compiled with the machine's modules, as the
+// window would load it. What Qt's own dialogs load lazily is covered by the chooser's test.
+TEST(Startup, EveryQmlFileOfTheAppLoadsWithTheInstalledModules)
+{
+    QQmlEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/"));
+    int files = 0;
+    QDirIterator it(QStringLiteral(":/Velmora"), {QStringLiteral("*.qml")}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        ++files;
+        QQmlComponent component(&engine, QUrl(QStringLiteral("qrc") + path), QQmlComponent::PreferSynchronous);
+        QTRY_VERIFY_WITH_TIMEOUT(!component.isLoading(), 5000);
+        EXPECT_FALSE(component.isError()) << path.toStdString() << ": " << component.errorString().toStdString();
+    }
+    EXPECT_GE(files, 40) << "the app's QML files were found";
 }

@@ -4,6 +4,7 @@
 #include "toolkit/UpdateServer.h"
 #include "update/FaultProxy.h"
 #include "update/UpdateChecker.h"
+#include "walkthrough/WTiTunesViewController.h"
 
 #include <QDir>
 #include <QDropEvent>
@@ -134,4 +135,34 @@ TEST(WalkthroughInterface, DownloadShowsProgressCancelsAndLeadsIn)
     EXPECT_TRUE(app.visible("checkmark"));
     ASSERT_TRUE(app.tapOn("startButton"));
     EXPECT_EQ(app.delegate.root(), QLatin1String(AppDelegate::mainRoot));
+}
+
+// Catches "Open catalogue…" ending the app (exit 139) on a machine set up by scripts/setup: the
+// system's file dialog loads a QML module of its own when it first opens. The real tap opens it
+// and Escape closes it; and where such a module is missing, the tap says so instead of opening.
+TEST(WalkthroughInterface, OpenCatalogueOpensTheChooserOrSaysWhyNot)
+{
+    FirstRunWindow app;
+    ASSERT_TRUE(app.waitForOpening());
+    ASSERT_TRUE(app.tapOn("itunesButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("openCatalogueButton") != nullptr; }, 2000));
+    const auto chooserShown = [&] {
+        return app.itemWhere([](QQuickItem *item) {
+            return QString::fromLatin1(item->metaObject()->className()).contains(QLatin1String("FileDialog")) && item->isVisible();
+        });
+    };
+    ASSERT_TRUE(app.tapOn("openCatalogueButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return chooserShown() != nullptr; }, 5000)) << "the chooser opened";
+    app.save("walkthrough-chooser");
+    QTest::keyClick(app.window->window(), Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return chooserShown() == nullptr; }, 3000));
+
+    QTemporaryDir bare; // a Qt installation without the chooser's modules
+    auto *view = app.itemWhere([](QQuickItem *item) { return item->property("controller").value<WTiTunesViewController *>() != nullptr; });
+    ASSERT_TRUE(view);
+    view->property("controller").value<WTiTunesViewController *>()->qmlImportPaths = {bare.path()};
+    ASSERT_TRUE(app.tapOn("openCatalogueButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("importMessage") != nullptr; }, 2000));
+    EXPECT_EQ(app.visible("importMessage")->property("text").toString(), qtTrId("wt_chooser_missing"));
+    EXPECT_FALSE(chooserShown());
 }
