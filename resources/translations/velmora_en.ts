@@ -649,6 +649,10 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>wt_catalogue_files</source>
         <translation>Velmora catalogues</translation>
     </message>
+    <message id="wt_catalogue_downloaded">
+        <source>wt_catalogue_downloaded</source>
+        <translation>Catalogue downloaded</translation>
+    </message>
     <message id="wt_catalogue_found">
         <source>wt_catalogue_found</source>
         <translation>Catalogue found</translation>

@@ -650,6 +650,10 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>wt_catalogue_files</source>
         <translation>Catálogos de Velmora</translation>
     </message>
+    <message id="wt_catalogue_downloaded">
+        <source>wt_catalogue_downloaded</source>
+        <translation>Catálogo descargado</translation>
+    </message>
     <message id="wt_catalogue_found">
         <source>wt_catalogue_found</source>
         <translation>Catálogo encontrado</translation>

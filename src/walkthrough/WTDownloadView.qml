@@ -14,7 +14,7 @@ Item {
         Text {
             objectName: "captionLabel"
             width: parent.width
-            text: qsTrId("downloading_database")
+            text: root.controller.caption
             color: "white"
             font: Theme.font("OpenSans-Light", 20)
             horizontalAlignment: Text.AlignHCenter

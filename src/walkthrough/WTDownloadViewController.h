@@ -22,6 +22,7 @@ class WTDownloadViewController : public QObject, public DownloaderDelegate
     Q_PROPERTY(double progress READ progress NOTIFY stateChanged)
     Q_PROPERTY(QString downloadLabel READ downloadLabel NOTIFY stateChanged)
     Q_PROPERTY(bool finished READ finished NOTIFY stateChanged)
+    Q_PROPERTY(QString caption READ caption NOTIFY stateChanged)
     Q_PROPERTY(bool failed READ failed NOTIFY stateChanged)
 
 public:
@@ -34,6 +35,8 @@ public:
     double progress() const { return m_progress; }
     QString downloadLabel() const { return m_downloadLabel; }
     bool finished() const { return m_finished; }
+    // The heading: what is under way, then that the catalogue is here.
+    QString caption() const { return m_finished ? qtTrId("wt_catalogue_downloaded") : qtTrId("downloading_database"); }
     bool failed() const { return m_failed; }
 
     void viewWillAppear();

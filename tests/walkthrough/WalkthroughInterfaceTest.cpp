@@ -124,6 +124,7 @@ TEST(WalkthroughInterface, DownloadShowsProgressCancelsAndLeadsIn)
         return bar && bar->property("progress").toDouble() > 0.05;
     }, 10000));
     EXPECT_TRUE(app.visible("downloadLabel")->property("text").toString().contains(QLatin1String(" MB")));
+    EXPECT_EQ(app.visible("captionLabel")->property("text").toString(), qtTrId("downloading_database"));
     app.save("walkthrough-download");
     ASSERT_TRUE(app.tapOn("cancelButton"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return app.visible("downloadButton") != nullptr; }, 2000));
@@ -133,6 +134,9 @@ TEST(WalkthroughInterface, DownloadShowsProgressCancelsAndLeadsIn)
     ASSERT_TRUE(app.tapOn("downloadButton"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("startButton") != nullptr; }, 15000));
     EXPECT_TRUE(app.visible("checkmark"));
+    // The heading over the check mark says the catalogue is here, no longer that it is coming.
+    EXPECT_EQ(app.visible("captionLabel")->property("text").toString(), qtTrId("wt_catalogue_downloaded"));
+    app.save("walkthrough-downloaded");
     ASSERT_TRUE(app.tapOn("startButton"));
     EXPECT_EQ(app.delegate.root(), QLatin1String(AppDelegate::mainRoot));
 }
