@@ -167,6 +167,18 @@ TEST(Toolkit, BuildThenReadWithTheAppsCode)
     const QJsonObject verdict = QJsonDocument::fromJson(refused.out).object();
     EXPECT_EQ(verdict.value(QStringLiteral("verification")).toString(), QStringLiteral("refused"));
     EXPECT_TRUE(verdict.value(QStringLiteral("fault")).toString().contains(QStringLiteral("gallery")));
+
+    // A file under another key gets the design's verdict, the load's fault beside it.
+    {
+        Database other(source.path("other-key.db"));
+        ASSERT_TRUE(other.open() && other.setKey(QStringLiteral("another publisher"))
+                    && other.executeStatements(QStringLiteral("CREATE TABLE price_ranks(id INTEGER); INSERT INTO price_ranks VALUES (1)")));
+    }
+    const ToolRun otherKey = runTool({QStringLiteral("info"), source.path("other-key.db")});
+    EXPECT_EQ(otherKey.exitCode, 1);
+    const QJsonObject otherVerdict = QJsonDocument::fromJson(otherKey.out).object();
+    EXPECT_EQ(otherVerdict.value(QStringLiteral("verification")).toString(), QStringLiteral("cipherError"));
+    EXPECT_FALSE(otherVerdict.value(QStringLiteral("fault")).toString().isEmpty());
 }
 
 // Catches: a broken source half-written to disk, or refused without naming the record.

@@ -61,8 +61,11 @@ QJsonObject catalogueInfo(const QString &path, QString *error)
     // The app's own judgement: the update check, then every check its load makes.
     const QString verification = verifier.verifyDatabase(path).kindName();
     const QString fault = QFile::exists(path) ? verifier.catalogueFault(path) : QStringLiteral("no such file");
+    // The design's verdict first (cipherError for another key, ...); "refused" only for a file
+    // that passes it and fails a deeper check of the load; the fault beside it either way.
+    const bool verdictPasses = verification == QLatin1String("ok") || verification == QLatin1String("outdated");
     QJsonObject info{{QStringLiteral("file"), path},
-                     {QStringLiteral("verification"), fault.isEmpty() ? verification : QStringLiteral("refused")}};
+                     {QStringLiteral("verification"), fault.isEmpty() || !verdictPasses ? verification : QStringLiteral("refused")}};
     if (!fault.isEmpty()) {
         info.insert(QStringLiteral("fault"), fault);
         *error = QStringLiteral("the app would not use %1: %2").arg(path, fault);
