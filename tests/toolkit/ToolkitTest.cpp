@@ -219,6 +219,12 @@ TEST(Toolkit, BadSourcesAreRefusedByName)
                 places[1] = p;
             }),
             "restaurants id=11: the name is missing");
+    refused(withPlaces([](QJsonArray &places) {
+                QJsonObject p = places[1].toObject();
+                p.insert(QStringLiteral("profile_url"), QStringLiteral("https://demo.example/11"));
+                places[1] = p;
+            }),
+            "restaurants id=11: profile_url must be a path on the product's web site");
     QJsonObject strayMunicipality = smallSource();
     QJsonArray counties = strayMunicipality.value(QStringLiteral("counties")).toArray();
     counties.append(QJsonObject{{QStringLiteral("id"), 901}, {QStringLiteral("state_id"), 9}, {QStringLiteral("name"), QStringLiteral("X")}});
@@ -254,7 +260,7 @@ TEST(Toolkit, DemoIsDeterministicAndComplete)
     EXPECT_EQ(tables.value(QStringLiteral("app_campaigns")).toInt(), 4);
     for (const char *table : {"menu_entries", "offers", "restaurants_promoted", "gallery", "restaurants_profiles"})
         EXPECT_GT(tables.value(QLatin1String(table)).toInt(), 0) << table;
-    EXPECT_EQ(validate(makeDemo(options)), QString());
+    EXPECT_EQ(validate(makeDemo(options)), QString()) << "the demo's pages are paths on the site, as the app composes them";
 }
 
 // Catches: patches that miss inserts, updates or deletes of places, offers or pictures, that

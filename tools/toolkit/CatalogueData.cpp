@@ -103,6 +103,12 @@ QString validate(const CatalogueData &data)
         const QVariant rank = row.value(QStringLiteral("price_rank_id"));
         if (!rank.isNull() && !known("price_ranks", rank))
             return QStringLiteral("%1: unknown price rank %2").arg(describe(QStringLiteral("restaurants"), row), rank.toString());
+        // The app composes the site's address, its language and this path; a whole URL here
+        // would become a link to nowhere.
+        const QString page = row.value(QStringLiteral("profile_url")).toString().trimmed();
+        if (page.contains(QLatin1String("://")) || page.startsWith(QLatin1Char('/')) || page.startsWith(QLatin1String("www.")))
+            return QStringLiteral("%1: profile_url must be a path on the product's web site, such as \"habana/bodeguita\", not %2")
+                .arg(describe(QStringLiteral("restaurants"), row), page.left(80));
     }
 
     struct Reference {

@@ -193,7 +193,7 @@ CatalogueData makeDemo(const DemoOptions &options)
             {QStringLiteral("description_en"),
              QStringLiteral("%1 cooking in the heart of %2. A family atmosphere, generous portions and warm service.")
                  .arg(s(cuisines[cuisine - 1].en), where.municipalities.at(municipality % 100 - 1))},
-            {QStringLiteral("profile_url"), chance(random, 30) ? QStringLiteral("https://demo.velmora.app/%1").arg(id) : QString()},
+            {QStringLiteral("profile_url"), chance(random, 30) ? QStringLiteral("demo/%1").arg(id) : QString()},
         };
         if (closed) {
             place.insert(QStringLiteral("oof_reason"), QStringLiteral("Cerrado por reformas"));
