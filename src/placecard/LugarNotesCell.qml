@@ -27,7 +27,8 @@ Item {
         TextArea {
             id: note
             objectName: "lugarNotes"
-            anchors { left: parent.left; leftMargin: 8; right: parent.right; rightMargin: 8; top: parent.top; topMargin: 6 }
+            // The whole box is the field: a tap below the first line starts editing too.
+            anchors { fill: parent; leftMargin: 8; rightMargin: 8; topMargin: 6; bottomMargin: 6 }
             text: cell.controller ? cell.controller.noteText : ""
             font: Theme.font("OpenSans", 15)
             color: "#3a2a22"

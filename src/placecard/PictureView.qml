@@ -79,10 +79,13 @@ Item {
             asynchronous: true
             smooth: true
             onStatusChanged: page.adjustToSize()
-            TapHandler {
-                enabled: page.zoomed
-                onTapped: (eventPoint) => page.tapped(tapCount, picture.mapToItem(page, eventPoint.position))
-            }
+        }
+        // Taps while zoomed: heard by the flickable itself, so the margins around the picture
+        // take them as the picture does (the flickable grabs the press for its drags).
+        TapHandler {
+            parent: flick
+            enabled: page.zoomed
+            onTapped: (eventPoint) => page.tapped(tapCount, flick.mapToItem(page, eventPoint.position))
         }
     }
 

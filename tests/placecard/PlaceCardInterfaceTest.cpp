@@ -118,6 +118,16 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     EXPECT_EQ(dialled.size() - 1 + tips.count(), 1) << "the ad's tap did nothing";
     UrlOpener::setUrlOpener([](const QUrl &) { return false; });
 
+    // The note's whole box takes a tap, not only its first line.
+    QQuickItem *notes = scrollTo(ui, "lugarNotesCell");
+    ASSERT_TRUE(notes);
+    QTest::mouseClick(window, Qt::LeftButton, {}, notes->mapToScene(QPointF(notes->width() - 40, notes->height() - 14)).toPoint());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarNotes")->hasActiveFocus(); }, 1000)) << "a tap low in the box edits the note";
+    QTest::sendKeyEvent(QTest::KeyAction::Click, window, Qt::Key_unknown, QStringLiteral("Pedir mesa"), Qt::NoModifier);
+    QTest::keyClick(window, Qt::Key_Return); // ends the editing, which keeps the note
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.item("lugarNotes")->hasActiveFocus(); }, 1000));
+    EXPECT_EQ(ui.home.defaults().stringForKey(DefaultKeys::notesKey(placeId)), QStringLiteral("Pedir mesa"));
+
     // "Save to my places" opens the sheet; favourite, then done, files the place.
     QQuickItem *save = scrollTo(ui, "lugarMyPlacesRow");
     ASSERT_TRUE(save);
@@ -240,10 +250,33 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !second->property("zoomed").toBool(); }, 1000));
     QTest::qWait(500);
     EXPECT_FALSE(gallery->uihidden()) << "the taps of a double tap don't also toggle the bars";
+    // A single tap on the black margin around the picture hides the bars as one on it does.
+    const QRectF shownPicture = second->findChild<QQuickItem *>(QStringLiteral("galleryPicture"))->mapRectToScene(
+        QRectF(0, 0, second->findChild<QQuickItem *>(QStringLiteral("galleryPicture"))->width(),
+               second->findChild<QQuickItem *>(QStringLiteral("galleryPicture"))->height()));
+    ASSERT_GT(shownPicture.top(), 120) << "the picture leaves a margin above it";
+    const QPoint margin(195, int(shownPicture.top()) - 30);
+    QTest::mouseClick(window, Qt::LeftButton, {}, margin);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return gallery->uihidden(); }, 1500)) << "a tap on the margin hides the bars";
+    QTest::mouseClick(window, Qt::LeftButton, {}, margin);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !gallery->uihidden(); }, 1500)) << "and another shows them";
+    QTest::qWait(400);
     const QPointF at(middle);
     QWheelEvent wheel{at, at, QPoint(), QPoint(0, 240), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false};
     QGuiApplication::sendEvent(window, &wheel);
     EXPECT_TRUE(second->property("zoomed").toBool());
+    // Zoomed in a little, the margin is still there and still takes the tap.
+    QQuickItem *zoomedPicture = second->findChild<QQuickItem *>(QStringLiteral("galleryPicture"));
+    const QRectF zoomedRect = zoomedPicture->mapRectToScene(QRectF(0, 0, zoomedPicture->width(), zoomedPicture->height()));
+    if (zoomedRect.top() > 100) {
+        QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(195, int(zoomedRect.top()) - 20));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return gallery->uihidden(); }, 1500)) << "a tap on the zoomed picture's margin hides the bars";
+        QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(195, int(zoomedRect.top()) - 20));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !gallery->uihidden(); }, 1500));
+        QTest::qWait(400);
+    } else {
+        ADD_FAILURE() << "the zoomed picture should leave a margin for this check: top " << zoomedRect.top();
+    }
 
     // Turned to landscape, the page fits its picture to the new shape.
     window->resize(844, 390);
