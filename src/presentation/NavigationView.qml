@@ -77,10 +77,15 @@ Item {
                 BarButton { required property var modelData; item: modelData }
             }
         }
+        // The title keeps the same room on both sides, so it stands in the bar's middle whatever
+        // buttons one side has and the other lacks.
         Loader {
             id: titleLoader
+            objectName: "navigationTitle"
+            readonly property real side: Math.max(leftItems.width + leftItems.anchors.leftMargin,
+                                                  rightItems.width + rightItems.anchors.rightMargin) + 4
             anchors {
-                left: leftItems.right; leftMargin: 4; right: rightItems.left; rightMargin: 4
+                left: parent.left; leftMargin: side; right: parent.right; rightMargin: side
                 top: parent.top; bottom: parent.bottom
             }
             sourceComponent: root.topPage && root.topPage.titleView ? root.topPage.titleView : plainTitle

@@ -165,3 +165,28 @@ TEST(Look, WindowRetranslatesOnALanguageChange)
     switchLanguage(Restaurants::shared(), QStringLiteral("en"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return tabTitle(QStringLiteral("Discover")); }, 2000));
 }
+
+// Catches a bar title standing off the middle (22 px to the right) on screens with a button on
+// one side only: settings, about, offers, my places and the place list's own search.
+TEST(Look, BarTitlesStandInTheMiddleOfTheBar)
+{
+    TestHome home;
+    home.addCatalogue(QStringLiteral("20170101"));
+    home.defaults().setBool(true, QStringLiteral("subscription-screen-seen"));
+    AppDelegate delegate;
+    delegate.didFinishLaunching();
+    AppWindow window(delegate);
+    ASSERT_TRUE(window.load());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.window()));
+    for (const char *link : {"velmora://settings", "velmora://info", "velmora://offers", "velmora://myplaces"}) {
+        SCOPED_TRACE(link);
+        delegate.openLink(QString::fromLatin1(link), false);
+        QTest::qWait(600);
+        QQuickItem *title = findItemIf(window.window()->contentItem(), [](QQuickItem *item) {
+            return item->objectName() == QLatin1String("navigationTitle") && item->isVisible() && item->width() > 0;
+        });
+        ASSERT_TRUE(title);
+        const QRectF shown = title->mapRectToScene(QRectF(0, 0, title->width(), title->height()));
+        EXPECT_NEAR(shown.center().x(), window.window()->width() / 2.0, 1.0);
+    }
+}
