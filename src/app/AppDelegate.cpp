@@ -38,6 +38,11 @@
 #include <QPointer>
 
 namespace {
+// The fortune sheet rises from the bottom over a reddish dim ("#7f1616dd"), for a shake and an ad's tip.
+const Presentation fortunePresentation{Presentation::Edge::Bottom, 0, QColor(0x7f, 0x16, 0x16, 0xdd), 250};
+}
+
+namespace {
 QPointer<AppDelegate> globalDelegate;
 }
 
@@ -52,6 +57,8 @@ AppDelegate::~AppDelegate()
 {
     if (SideMenuPresenter::shared() == this)
         SideMenuPresenter::setShared(nullptr);
+    if (TipPresenter::shared() == this)
+        TipPresenter::setShared(nullptr);
 }
 
 AppDelegate *AppDelegate::global() { return globalDelegate.data(); }
@@ -60,6 +67,7 @@ bool AppDelegate::didFinishLaunching()
 {
     globalDelegate = this;
     SideMenuPresenter::setShared(this);
+    TipPresenter::setShared(this);
     // Screens render their styled text from the moment they are made, so the fonts come first.
     registerApplicationFonts();
 
@@ -235,6 +243,14 @@ void AppDelegate::shaken()
     showFortunesVCOnTopOf(m_mainNavigation);
 }
 
+void AppDelegate::showTip(const QString &text)
+{
+    if (!m_fortunesViewController || !m_mainNavigation || m_fortunesViewController->isVisible() || m_mainNavigation->presentedViewController())
+        return;
+    m_fortunesViewController->setFortune(text);
+    m_mainNavigation->presentViewController(m_fortunesViewController, true, fortunePresentation);
+}
+
 void AppDelegate::showFortunesVCOnTopOf(NavigationController *navigation)
 {
     // A shake while the sheet is up, or over another sheet, counts and shows nothing more.
@@ -246,6 +262,5 @@ void AppDelegate::showFortunesVCOnTopOf(NavigationController *navigation)
     const QString warning = qtTrId("careful_with_the_shaking").replace(QLatin1String("{DEVICE}"), qtTrId(phone ? "device_phone" : "device_computer"));
     if (const std::optional<QString> text = m_fortunes.next(Localize::currentLanguage(), warning))
         m_fortunesViewController->setFortune(*text);
-    navigation->presentViewController(m_fortunesViewController, true,
-                                      Presentation{Presentation::Edge::Bottom, 0, QColor(0x7f, 0x16, 0x16, 0xdd), 250});
+    navigation->presentViewController(m_fortunesViewController, true, fortunePresentation);
 }

@@ -10,6 +10,7 @@
 #include "personal/Fortunes.h"
 #include "personal/SubscribeProvincesDelegate.h"
 #include "presentation/SideMenuPresenter.h"
+#include "presentation/TipPresenter.h"
 #include "walkthrough/WTPage1ViewController.h"
 #include "walkthrough/WalkthroughDelegate.h"
 
@@ -24,7 +25,7 @@ class ServiceCenter;
 class Downloader;
 class UpdateChecker;
 
-class AppDelegate : public QObject, public SideMenuPresenter, public DatabaseReadyDelegate, public SubscribeProvincesDelegate
+class AppDelegate : public QObject, public SideMenuPresenter, public TipPresenter, public DatabaseReadyDelegate, public SubscribeProvincesDelegate
 {
     Q_OBJECT
     QML_ELEMENT
@@ -71,6 +72,8 @@ public:
     // the main interface.
     Q_INVOKABLE void shaken();
     class FortunesViewController *fortunesViewController() const { return m_fortunesViewController; }
+    // An ad's "tip": its text in the fortune sheet, over the dimmed main interface.
+    void showTip(const QString &text) override;
     Q_INVOKABLE void loadMainUI();
 
     // Whether the subscription introduction can be offered on this device.

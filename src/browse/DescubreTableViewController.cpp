@@ -2,6 +2,7 @@
 #include "analytics/Events.h"
 
 #include "presentation/AdActions.h"
+#include "presentation/TipPresenter.h"
 #include "placecard/PlaceCards.h"
 #include "catalogue/Restaurants.h"
 #include "platform/DefaultKeys.h"
@@ -93,7 +94,11 @@ void DescubreTableViewController::didSelectRow(int row)
     }
     // The feed reports an ad by its ad_id; the card and more-info screens by its picture's id.
     Events::adAction(Events::AdPlacement::DiscoverFeed, m_ads.at(tapped.index).ad_id);
-    AdActions::performAdAction(m_ads.at(tapped.index), [this](const QString &tip) { emit tipRequested(tip); });
+    AdActions::performAdAction(m_ads.at(tapped.index), [this](const QString &tip) {
+                emit tipRequested(tip);
+                if (TipPresenter *presenter = TipPresenter::shared())
+                    presenter->showTip(tip);
+            });
 }
 
 void DescubreTableViewController::rowConfigured(int row)

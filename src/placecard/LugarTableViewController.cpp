@@ -4,6 +4,7 @@
 #include "GalleryViewController.h"
 #include "SaveToMyPlacesViewController.h"
 #include "presentation/AdActions.h"
+#include "presentation/TipPresenter.h"
 #include "PlaceCards.h"
 #include "catalogue/Restaurants.h"
 #include "platform/DefaultKeys.h"
@@ -254,7 +255,11 @@ void LugarTableViewController::didSelectRow(int row)
     case T::advertising:
         if (m_ad) {
             Events::adAction(Events::AdPlacement::PlaceCard, m_ad->image_id);
-            AdActions::performAdAction(*m_ad, [this](const QString &tip) { emit tipRequested(tip); });
+            AdActions::performAdAction(*m_ad, [this](const QString &tip) {
+                emit tipRequested(tip);
+                if (TipPresenter *presenter = TipPresenter::shared())
+                    presenter->showTip(tip);
+            });
         }
         break;
     default: break;

@@ -5,6 +5,7 @@
 #include "platform/Localize.h"
 #include "platform/NotificationCenter.h"
 #include "presentation/AdActions.h"
+#include "presentation/TipPresenter.h"
 #include "presentation/BarButtonItem.h"
 #include "presentation/Globals.h"
 #include "presentation/NavigationController.h"
@@ -125,7 +126,11 @@ void MoreInfoTableViewController::didSelectRow(int row)
     case MoreInfoCellType::advertising:
         if (m_ad) {
             Events::adAction(Events::AdPlacement::MoreInfo, m_ad->image_id);
-            AdActions::performAdAction(*m_ad, [this](const QString &tip) { emit tipRequested(tip); });
+            AdActions::performAdAction(*m_ad, [this](const QString &tip) {
+                emit tipRequested(tip);
+                if (TipPresenter *presenter = TipPresenter::shared())
+                    presenter->showTip(tip);
+            });
         }
         break;
     default: break;

@@ -4,7 +4,9 @@
 #include "placecard/GalleryViewController.h"
 #include "placecard/LugarTableViewController.h"
 #include "placecard/MenuTableViewController.h"
+#include "platform/Database.h"
 #include "platform/DefaultKeys.h"
+#include "platform/Localize.h"
 #include "presentation/UrlOpener.h"
 
 #include <QClipboard>
@@ -290,4 +292,53 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
 
     tap(window, ui.item("galleryClose"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("galleryView") == nullptr; }, 3000));
+}
+
+// Catches "tip" ads that did nothing (the request reached no one): a tap on such an ad, on the
+// place card and in the discover feed, shows its text in the fortune sheet over the reddish dim,
+// and a tap closes it.
+TEST(PlaceCardInterface, ATipAdShowsItsTextInTheFortuneSheet)
+{
+    DemoWindow ui({}, DemoWindow::Start::WithCatalogue, [](TestHome &home) {
+        Database db(home.documents() + QStringLiteral("/velmora-20261101.db"));
+        ASSERT_TRUE(db.openWithFlags(Database::ReadWrite) && db.setKey(Restaurants::dbkey));
+        ASSERT_TRUE(db.executeStatements(QStringLiteral(
+            "UPDATE app_campaigns SET action = 'tip', action_value = 'Pide el flan', action_value_en = 'Ask for the flan'")));
+    });
+    QQuickWindow *window = ui.window->window();
+    const QString tip = Localize::currentLanguage() == QLatin1String("es") ? QStringLiteral("Pide el flan") : QStringLiteral("Ask for the flan");
+    const auto sheetShowsTip = [&] {
+        QQuickItem *text = ui.item("fortuneText");
+        return text && text->isVisible() && text->property("text").toString() == tip && ui.item("dimming")->isVisible();
+    };
+    const auto closeSheet = [&] {
+        tap(window, ui.item("fortuneFrame"));
+        return QTest::qWaitFor([&] { return ui.item("fortunesView") == nullptr && !ui.item("dimming")->isVisible(); }, 3000);
+    };
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    // A card with an ad: a place with a description and its picture, and no gallery.
+    const int placeId = firstListedPlace(ui, [](const RestaurantInfo &info) {
+        return !info.hasGallery && !info.description.isEmpty() && !Restaurants::shared().profileImage(info.id).isEmpty();
+    });
+    ASSERT_GT(placeId, 0);
+    ui.delegate.openLink(QStringLiteral("velmora://place/%1").arg(placeId), false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarView") != nullptr; }, 3000));
+    QQuickItem *ad = scrollTo(ui, "adPicture");
+    ASSERT_TRUE(ad);
+    tap(window, ad);
+    ASSERT_TRUE(QTest::qWaitFor(sheetShowsTip, 3000)) << "the card's tip ad shows its sheet";
+    ui.save("tip-sheet");
+    ASSERT_TRUE(closeSheet());
+
+    ui.delegate.openLink(QStringLiteral("velmora://discover"), false);
+    QQuickItem *feedAd = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        feedAd = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("adRow-")) && item->isVisible(); });
+        return feedAd != nullptr;
+    }, 3000));
+    QTest::qWait(400);
+    tap(window, feedAd);
+    ASSERT_TRUE(QTest::qWaitFor(sheetShowsTip, 3000)) << "the feed's tip ad shows its sheet";
+    EXPECT_TRUE(closeSheet());
 }
