@@ -31,6 +31,24 @@ QFont sheetFont(const QString &name, double size)
     const auto face = FontRegistry::shared().face(name);
     return RichTextLayout::qfont(RunFont{name, face.value_or(FontFace{}), size});
 }
+
+// The app's window on the small fixture, past the subscription invitation.
+struct FixtureWindow {
+    FixtureWindow()
+    {
+        // Before the application object, which loads the catalogue as it is made.
+        home.addCatalogue(QStringLiteral("20170101"));
+        home.defaults().setBool(true, QStringLiteral("subscription-screen-seen"));
+        delegate = std::make_unique<AppDelegate>();
+        delegate->didFinishLaunching();
+        window = std::make_unique<AppWindow>(*delegate);
+    }
+    bool show() { return window->load() && QTest::qWaitForWindowExposed(window->window()); }
+
+    TestHome home;
+    std::unique_ptr<AppDelegate> delegate;
+    std::unique_ptr<AppWindow> window;
+};
 }
 
 // Catches: a style-sheet name resolving to the wrong weight or slant, or to a substitute family
@@ -145,14 +163,9 @@ TEST(Look, IconAndFontGallery)
 // Catches: a language change that leaves the window's texts in the old language.
 TEST(Look, WindowRetranslatesOnALanguageChange)
 {
-    TestHome home;
-    home.addCatalogue(QStringLiteral("20170101"));
-    home.defaults().setBool(true, QStringLiteral("subscription-screen-seen"));
-    AppDelegate delegate;
-    delegate.didFinishLaunching();
-    AppWindow window(delegate);
-    ASSERT_TRUE(window.load());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.window()));
+    FixtureWindow app;
+    ASSERT_TRUE(app.show());
+    AppWindow &window = *app.window;
 
     // The capital of the small fixture has a promotion, so its discover tab shows.
     const auto tabTitle = [&](const QString &title) {
@@ -170,14 +183,10 @@ TEST(Look, WindowRetranslatesOnALanguageChange)
 // one side only: settings, about, offers, my places and the place list's own search.
 TEST(Look, BarTitlesStandInTheMiddleOfTheBar)
 {
-    TestHome home;
-    home.addCatalogue(QStringLiteral("20170101"));
-    home.defaults().setBool(true, QStringLiteral("subscription-screen-seen"));
-    AppDelegate delegate;
-    delegate.didFinishLaunching();
-    AppWindow window(delegate);
-    ASSERT_TRUE(window.load());
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.window()));
+    FixtureWindow app;
+    ASSERT_TRUE(app.show());
+    AppWindow &window = *app.window;
+    AppDelegate &delegate = *app.delegate;
     for (const char *link : {"velmora://settings", "velmora://info", "velmora://offers", "velmora://myplaces"}) {
         SCOPED_TRACE(link);
         delegate.openLink(QString::fromLatin1(link), false);
