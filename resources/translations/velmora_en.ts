@@ -669,6 +669,10 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
         <source>wt_chooser_missing</source>
         <translation>The file chooser can't open: part of the app is missing. Copy the catalogue into the folder above, or drop it here.</translation>
     </message>
+    <message id="wt_copied_file_unusable">
+        <source>wt_copied_file_unusable</source>
+        <translation>%1 can't be used: it is damaged or isn't a catalogue of this guide. The file stays where it is; copy in or choose another one.</translation>
+    </message>
     <message id="wt_import_damaged">
         <source>wt_import_damaged</source>
         <translation>That catalogue is damaged. Ask for a new copy.</translation>

@@ -670,6 +670,10 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
         <source>wt_chooser_missing</source>
         <translation>No se puede abrir el selector de archivos: falta una parte de la aplicación. Copia el catálogo en la carpeta de arriba o arrástralo aquí.</translation>
     </message>
+    <message id="wt_copied_file_unusable">
+        <source>wt_copied_file_unusable</source>
+        <translation>No se puede usar %1: está dañado o no es un catálogo de esta guía. El archivo se queda donde está; copia o elige otro.</translation>
+    </message>
     <message id="wt_import_damaged">
         <source>wt_import_damaged</source>
         <translation>Ese catálogo está dañado. Pide una copia nueva.</translation>

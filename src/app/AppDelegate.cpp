@@ -93,10 +93,8 @@ bool AppDelegate::didFinishLaunching()
     });
     connect(qApp, &QCoreApplication::aboutToQuit, this, [] { Measurement::sharedInstance().dispatchAndWait(1500); });
 
-    // The interface runs in Spanish only where the device prefers Spanish; the catalogue keeps
-    // the language it read at construction until the next change.
-    if (Localize::defaultLanguage() != QLatin1String("es"))
-        Localize::setCurrentLanguage(QStringLiteral("en"));
+    // The language chosen in settings, else the device's: the same one the catalogue read its
+    // names in when it was made, so texts and names agree from the first frame.
     Localize::loadCurrentLanguage();
 
     // Update monitoring starts in every case, with or without a catalogue.

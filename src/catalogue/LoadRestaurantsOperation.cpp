@@ -23,6 +23,7 @@ void LoadRestaurantsOperation::main()
         m_restaurants.loadDatabase();
         if (m_restaurants.ready())
             continue; // announce at once rather than after another wait
+        NotificationCenter::defaultCenter().post(Notifications::RestaurantsNotLoaded);
         for (int waited = 0; waited < m_retryIntervalMs && !isCancelled(); waited += sliceMs)
             QThread::msleep(sliceMs);
     }

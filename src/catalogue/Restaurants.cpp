@@ -171,6 +171,21 @@ void Restaurants::refuse(const QString &path, const FileStamp &stamp, const QStr
     qCWarning(lcCatalogue).noquote() << "Not using" << path << "-" << reason << "- the file is kept";
 }
 
+QStringList Restaurants::refusedFiles() const
+{
+    QHash<QString, FileStamp> refused;
+    {
+        QMutexLocker lock(&m_mutex);
+        refused = m_refused;
+    }
+    QStringList names;
+    for (auto it = refused.cbegin(); it != refused.cend(); ++it)
+        if (stampOf(it.key()) == it.value())
+            names.append(QFileInfo(it.key()).fileName());
+    names.sort();
+    return names;
+}
+
 std::vector<Restaurants::OpenedCandidate> Restaurants::scanCandidates(bool keepConnections) const
 {
     std::vector<OpenedCandidate> found;

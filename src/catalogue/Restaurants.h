@@ -73,6 +73,9 @@ public:
     void reload();
     // The readable candidates of Documents, newest first.
     QList<Candidate> availableDatabases() const;
+    // The files of Documents the load looked at and refused, as they still are (a file changed
+    // since is looked at again and leaves this list), by name.
+    QStringList refusedFiles() const;
     QString databaseVersionString() const;
     void deleteDatabaseFile();
     bool isExpired() const;

@@ -127,6 +127,8 @@ std::unique_ptr<BackgroundSession::Task> BackgroundSession::loadRecord() const
     return task->url.isValid() ? std::move(task) : nullptr;
 }
 
+bool BackgroundSession::hasTask() const { return isRunning() || (!m_task && loadRecord() != nullptr); }
+
 void BackgroundSession::resumePendingTask()
 {
     if (m_task)

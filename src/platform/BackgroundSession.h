@@ -73,6 +73,8 @@ public:
     // Ends the task with Cancelled and deletes its file.
     void cancelAll();
     bool isRunning() const { return m_reply || m_retry.isActive(); }
+    // Running, or left by an earlier process and about to be resumed.
+    bool hasTask() const;
 
 signals:
     void didWriteData(qint64 written, qint64 expected);

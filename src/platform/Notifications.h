@@ -10,6 +10,8 @@ inline const QString RestaurantsDidReload = QStringLiteral("RestaurantsDidReload
 inline const QString VelmoraReloadRestaurants = QStringLiteral("VelmoraReloadRestaurants");
 // The first catalogue became ready during the first run.
 inline const QString RestaurantsLoaded = QStringLiteral("RestaurantsLoaded");
+// A look for the first catalogue found none the guide can use; it looks again shortly.
+inline const QString RestaurantsNotLoaded = QStringLiteral("RestaurantsNotLoaded");
 inline const QString VelmoraReloadInfoScreen = QStringLiteral("VelmoraReloadInfoScreen");
 inline const QString VelmoraUserSubscriptionChanged = QStringLiteral("VelmoraUserSubscriptionChanged");
 inline const QString MyPlacesExplore = QStringLiteral("MyPlacesExplore");

@@ -478,6 +478,7 @@ void Downloader::setTransferLimits(const TransferLimits &limits) { m_session->se
 
 void Downloader::isDownloading(std::function<void(bool)> completion) const
 {
-    const bool running = m_session->isRunning();
+    // An earlier run's transfer counts before its resume, which waits for the listeners.
+    const bool running = m_session->hasTask();
     dispatchMain([completion = std::move(completion), running] { completion(running); });
 }

@@ -85,12 +85,33 @@ void WTiTunesViewController::viewWillAppear()
                 self->restaurantsLoaded();
         });
     });
+    NotificationCenter::defaultCenter().addObserver(this, Notifications::RestaurantsNotLoaded, [self](const QVariant &) {
+        dispatchMain([self] {
+            if (self)
+                self->showRefusedFiles();
+        });
+    });
+    m_shownRefusals.clear();
     m_queue->addOperation(m_loadOperation);
+}
+
+void WTiTunesViewController::showRefusedFiles()
+{
+    // Said once for each set of files: a refusal of a dropped file stays until something changes.
+    const QStringList refused = m_restaurants.refusedFiles();
+    if (!m_loadOperation || refused == m_shownRefusals)
+        return;
+    m_shownRefusals = refused;
+    if (refused.isEmpty())
+        return;
+    m_message = qtTrId("wt_copied_file_unusable").arg(refused.join(QStringLiteral(", ")));
+    emit stateChanged();
 }
 
 void WTiTunesViewController::stopWatching()
 {
     NotificationCenter::defaultCenter().removeObserver(this, Notifications::RestaurantsLoaded);
+    NotificationCenter::defaultCenter().removeObserver(this, Notifications::RestaurantsNotLoaded);
     if (m_loadOperation)
         m_loadOperation->cancel();
     m_queue.reset(); // waits for the operation to see the cancel

@@ -61,6 +61,8 @@ signals:
 
 private:
     void restaurantsLoaded();
+    // Names the files in Documents the watch could not use: they stay, and another may be added.
+    void showRefusedFiles();
     void stopWatching();
 
     Restaurants &m_restaurants;
@@ -69,6 +71,7 @@ private:
     bool m_ready = false;
     bool m_importing = false;
     QString m_message;
+    QStringList m_shownRefusals;
     std::unique_ptr<OperationQueue> m_queue;
     std::shared_ptr<Operation> m_loadOperation;
     OperationQueue m_importQueue{1};

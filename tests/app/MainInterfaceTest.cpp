@@ -34,11 +34,11 @@ TEST(MainInterface, ListDrawerSearchAndPhoneSheet)
     EXPECT_TRUE(ui.item("provinceButton"));
     ui.save("main-list");
 
-    ui.delegate.showSideMenu(false);
+    ui.delegate->showSideMenu(false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("sideMenu") != nullptr; }, 2000));
     EXPECT_TRUE(ui.item("menuRow-browse") && ui.item("menuRow-settings"));
     ui.save("main-drawer");
-    ui.delegate.drawer()->hideMenuAnimated(false);
+    ui.delegate->drawer()->hideMenuAnimated(false);
 
     const int all = list->rows()->rowCount();
     ui.search()->searchTapped();
@@ -129,8 +129,9 @@ TEST(MainInterface, AnOpenSwipeDoesNotOutliveItsRow)
     }
     QTest::qWait(500);
     findItemIf(ui.window->window()->contentItem(), [](QQuickItem *item) {
-        if (item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible())
+        if (item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible()) {
             EXPECT_EQ(swipePosition(item), 0.0) << item->objectName().toStdString();
+        }
         return false;
     });
     EXPECT_TRUE(ui.item("sectionIndexArea")->property("enabled").toBool());
@@ -232,12 +233,12 @@ TEST(MainInterface, TheOffersTabListsTodaysOffers)
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("offerRow-1") && ui.item("offerRow-1")->isVisible(); }, 3000));
     ui.save("offers");
     tap(window, ui.item("offerRow-1"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 2; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 2; }, 2000));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("offersPlaceCard") && ui.item("offersPlaceCard")->isVisible(); }, 2000));
     QTest::qWait(400);
     ui.save("offers-place");
     tap(window, ui.item("barButton-back"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 1; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 1; }, 2000));
 }
 
 // Catches: a discover tab that a tap doesn't show, a feed without pictures or ads, and a promoted
@@ -256,7 +257,7 @@ TEST(MainInterface, TheDiscoverTabShowsThePromotedPlaces)
     EXPECT_TRUE(ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("adRow-")); }))
         << "an ad follows the second promotion";
     tap(window, ui.item("promoRow-0"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->viewControllers().size() == 2; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 2; }, 2000));
 }
 
 // Catches: the opinions switch not showing the cards' score, and the subscription sheet opened
@@ -274,7 +275,7 @@ TEST(MainInterface, DeveloperSwitchesReachTheList)
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("moreInfoButton") && ui.item("moreInfoButton")->isVisible(); }, 2000));
     QTest::qWait(400);
     tap(window, ui.item("moreInfoButton"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->presentedViewController() != nullptr; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->presentedViewController() != nullptr; }, 2000));
     QTest::qWait(500);
     QQuickItem *sheet = ui.item("presentedSheet");
     EXPECT_EQ(sheet->mapToScene(QPointF(0, 0)).x(), 0.0) << "the sheet sits in the content pushed aside";

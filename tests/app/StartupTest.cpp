@@ -76,22 +76,6 @@ TEST(Startup, RootFollowsTheCatalogueAndTheSubscriptionRule)
     }
 }
 
-// Catches: the start-up language rule leaving Spanish on a device that doesn't prefer it, and
-// the catalogue being told of that change (it keeps what it read at construction).
-TEST(Startup, InterfaceFallsBackToEnglishUnlessTheDevicePrefersSpanish)
-{
-    TestHome home;
-    home.addCatalogue(QStringLiteral("20170101"));
-    Localize::setCurrentLanguage(QStringLiteral("es"));
-    AppDelegate delegate;
-    delegate.didFinishLaunching();
-    const bool deviceSpanish = Localize::defaultLanguage() == QLatin1String("es");
-    // This test runs twice, under an English and a Spanish device locale: both branches run.
-    EXPECT_EQ(deviceSpanish, qEnvironmentVariable("LANGUAGE") == QLatin1String("es"));
-    EXPECT_EQ(Localize::currentLanguage(), deviceSpanish ? QStringLiteral("es") : QStringLiteral("en"));
-    EXPECT_EQ(Restaurants::shared().language(), QStringLiteral("es"));
-}
-
 // Catches: a root that the window doesn't draw, and a catalogue copied into Documents not
 // leading from the walkthrough's copy step to the main interface without a restart.
 TEST(Startup, WindowShowsTheRootAndSwitchesWhenACatalogueArrives)

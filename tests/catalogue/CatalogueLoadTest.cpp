@@ -9,13 +9,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-QList<int> sortedKeys(const QSet<int> &set)
-{
-    QList<int> list(set.begin(), set.end());
-    std::sort(list.begin(), list.end());
-    return list;
-}
-
 int countPosts(const QString &name, const std::function<void()> &action)
 {
     QObject observer;

@@ -45,12 +45,12 @@ TEST(InfoInterface, TheUpdateButtonPatchesTheCatalogueInPlace)
 {
     DemoWindow ui;
     NextMonthShelf shelf(ui.demoFile);
-    ui.delegate.openLink(QStringLiteral("velmora://info"), false);
+    ui.delegate->openLink(QStringLiteral("velmora://info"), false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("infoView") != nullptr; }, 3000));
     ASSERT_TRUE(ui.item("upToDateMark") && ui.item("upToDateMark")->isVisible());
     ui.save("info");
 
-    ui.delegate.updateChecker()->noteAnnouncedDate(QDate(2026, 12, 1));
+    ui.delegate->updateChecker()->noteAnnouncedDate(QDate(2026, 12, 1));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("updateButton") && ui.item("updateButton")->isVisible(); }, 2000));
     shelf.proxy->trickle(128);
     tap(ui.window->window(), ui.item("updateButton"));
@@ -83,13 +83,13 @@ TEST(InfoInterface, ABrokenTrustedKeyIsToldAndNothingIsFetched)
         broken.write("velmora-public-key 11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHUR\n");
     });
     NextMonthShelf shelf(ui.demoFile);
-    ui.delegate.openLink(QStringLiteral("velmora://info"), false);
+    ui.delegate->openLink(QStringLiteral("velmora://info"), false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("updateWarningLabel") && ui.item("updateWarningLabel")->isVisible(); }, 3000));
     EXPECT_EQ(ui.item("updateWarningLabel")->property("text").toString(), qtTrId("info_updates_key_broken"));
     EXPECT_NE(qtTrId("info_updates_key_broken"), QStringLiteral("info_updates_key_broken"));
     ui.save("info-key-broken");
 
-    ui.delegate.updateChecker()->noteAnnouncedDate(QDate(2026, 12, 1));
+    ui.delegate->updateChecker()->noteAnnouncedDate(QDate(2026, 12, 1));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("updateButton") && ui.item("updateButton")->isVisible(); }, 2000));
     shelf.proxy->requests.clear();
     tap(ui.window->window(), ui.item("updateButton"));

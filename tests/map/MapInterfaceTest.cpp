@@ -100,7 +100,7 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
 
     tap(window, ui.item("mapCalloutButton"));
     ASSERT_TRUE(QTest::qWaitFor([&] {
-        auto *card = qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController());
+        auto *card = qobject_cast<LugarTableViewController *>(ui.delegate->mainNavigation()->topViewController());
         return card && card->restInfo && card->restInfo->id == selected;
     }, 3000));
 
@@ -109,7 +109,7 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     // Taps during the card's slide belong to the stack: the map beneath hides once it is over.
     ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.item("mapScreen")->isVisible(); }, 3000));
     tap(window, ui.item("lugarRow-address"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return qobject_cast<MapViewController *>(ui.delegate.mainNavigation()->topViewController()); }, 3000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return qobject_cast<MapViewController *>(ui.delegate->mainNavigation()->topViewController()); }, 3000));
     // Each map screen has its callout; the one shown is the new screen's.
     ASSERT_TRUE(QTest::qWaitFor([&] {
         return demo.view()->calloutVisible()
@@ -130,12 +130,12 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
 
     // Back through the card to the menu's map: the shared view comes back to it.
     tap(window, ui.item("barButton-back"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController()); }, 3000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return qobject_cast<LugarTableViewController *>(ui.delegate->mainNavigation()->topViewController()); }, 3000));
     QTest::qWait(500);
     tap(window, ui.item("barButton-back"));
     ASSERT_TRUE(QTest::qWaitFor([&] {
         QQuickItem *holder = demo.view()->parentItem();
-        return qobject_cast<MapViewController *>(ui.delegate.mainNavigation()->topViewController()) && holder && holder->isVisible()
+        return qobject_cast<MapViewController *>(ui.delegate->mainNavigation()->topViewController()) && holder && holder->isVisible()
                && demo.view()->isVisible();
     }, 3000));
 }

@@ -11,18 +11,50 @@
 
 #include <gtest/gtest.h>
 
+namespace {
+// The settings screen, reached the way a user reaches it: the menu button, then its row.
+bool openSettings(DemoWindow &ui)
+{
+    QQuickWindow *window = ui.window->window();
+    tap(window, ui.item("barButton-menu"));
+    if (!QTest::qWaitFor([&] { return ui.item("menuRow-settings") && ui.item("menuRow-settings")->isVisible(); }, 2000))
+        return false;
+    QTest::qWait(400); // the drawer's slide
+    tap(window, ui.item("menuRow-settings"));
+    const bool shown = QTest::qWaitFor([&] { return ui.item("settingsView") && ui.item("settingsView")->isVisible(); }, 3000);
+    QTest::qWait(400);
+    return shown;
+}
+}
+
+// Catches: the language chosen in settings given up at the next start for the device's, and an
+// interface in one language over catalogue names in another. This file runs under an English
+// and a Spanish device locale, so the choice differs from the device's in one of the two runs.
+TEST(SettingsInterface, AChosenLanguageOutlivesARestartInTextsAndNames)
+{
+    DemoWindow ui;
+    ASSERT_TRUE(openSettings(ui));
+    const QString chosen = Localize::currentLanguage() == QLatin1String("es") ? QStringLiteral("en") : QStringLiteral("es");
+    const QByteArray row = ("languageRow-" + chosen).toLatin1();
+    ASSERT_TRUE(scrollIntoView(ui.window->window(), [&] { return ui.item(row.constData()); }));
+    tap(ui.window->window(), ui.item(row.constData()));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Localize::currentLanguage() == chosen; }, 2000));
+
+    ui.relaunch();
+    EXPECT_EQ(Localize::currentLanguage(), chosen);
+    EXPECT_EQ(Restaurants::shared().language(), chosen);
+    const QString placesTab = Localize::textIn(chosen, QStringLiteral("search_places"));
+    EXPECT_TRUE(ui.itemWhere([&](QQuickItem *item) { return item->isVisible() && item->property("text").toString() == placesTab; }))
+        << "the tab bar in the chosen language";
+}
+
 // Catches: a switch, a language row, the developer gesture or the viewer's delete button that
 // works only when its controller is called: each is reached here by a finger.
 TEST(SettingsInterface, AFingerTogglesRevealsTheDeveloperToolsAndErasesAKey)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    tap(window, ui.item("barButton-menu"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("menuRow-settings") && ui.item("menuRow-settings")->isVisible(); }, 2000));
-    QTest::qWait(400); // the drawer's slide
-    tap(window, ui.item("menuRow-settings"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("settingsView") && ui.item("settingsView")->isVisible(); }, 3000));
-    QTest::qWait(400);
+    ASSERT_TRUE(openSettings(ui));
 
     // The closed places' switch stores its key.
     EXPECT_FALSE(ui.home.defaults().boolForKey(DefaultKeys::showClosedPlaces));
@@ -75,7 +107,7 @@ TEST(FortuneInterface, TheShortcutShowsAFortuneAndATapClosesIt)
     ui.save("fortune");
 
     tap(window, ui.item("fortunesView"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.mainNavigation()->presentedViewController() == nullptr; }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->presentedViewController() == nullptr; }, 2000));
 }
 
 // Catches: an invitation, province row or finish button that works only when its controller is
@@ -95,7 +127,7 @@ TEST(SubscriptionInterface, TheInvitationLeadsToTheProvincesAndAMessageSent)
     {
         DemoWindow ui;
         QQuickWindow *window = ui.window->window();
-        ASSERT_EQ(ui.delegate.root(), QLatin1String(AppDelegate::subscribeIntroRoot));
+        ASSERT_EQ(ui.delegate->root(), QLatin1String(AppDelegate::subscribeIntroRoot));
         ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("yeahSureButton") && ui.item("yeahSureButton")->isVisible(); }, 3000));
         ui.save("subscribe-intro");
         tap(window, ui.item("yeahSureButton"));
@@ -107,7 +139,7 @@ TEST(SubscriptionInterface, TheInvitationLeadsToTheProvincesAndAMessageSent)
         QTest::qWait(300);
         ui.save("subscribe-provinces");
         tap(window, ui.item("finishButton"));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate.root() == QLatin1String(AppDelegate::mainRoot); }, 3000));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->root() == QLatin1String(AppDelegate::mainRoot); }, 3000));
         EXPECT_EQ(bodies, QStringList{qtTrId("subscribe_sms_body_intro") + QStringLiteral(" &&0&1-3")});
         EXPECT_EQ(ui.home.defaults().intArrayForKey(DefaultKeys::subscriptionProvinces), (QList<int>{1, 3}));
         EXPECT_TRUE(ui.home.defaults().boolForKey(DefaultKeys::subscriptionScreenSeen));
@@ -130,7 +162,7 @@ TEST(SubscriptionInterface, TheMenusInvitationSubscribesAndGoesBack)
     {
         DemoWindow ui({DefaultKeys::devEnableSubscribe, DefaultKeys::subscriptionScreenSeen});
         QQuickWindow *window = ui.window->window();
-        ASSERT_EQ(ui.delegate.root(), QLatin1String(AppDelegate::mainRoot));
+        ASSERT_EQ(ui.delegate->root(), QLatin1String(AppDelegate::mainRoot));
         tap(window, ui.item("barButton-menu"));
         ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("moreInfoButton") && ui.item("moreInfoButton")->isVisible(); }, 2000));
         QTest::qWait(400);
@@ -139,7 +171,7 @@ TEST(SubscriptionInterface, TheMenusInvitationSubscribesAndGoesBack)
         QTest::qWait(400);
         tap(window, ui.item("yeahSureButton"));
         ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("provinceRow-2") && ui.item("provinceRow-2")->isVisible(); }, 3000));
-        EXPECT_EQ(ui.delegate.mainNavigation()->presentedViewController(), nullptr);
+        EXPECT_EQ(ui.delegate->mainNavigation()->presentedViewController(), nullptr);
         QTest::qWait(500);
         tap(window, ui.item("provinceRow-2"));
         ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("finishButton")->isVisible() && ui.item("finishButton")->y() < window->height() - 70; }, 2000));
@@ -147,7 +179,7 @@ TEST(SubscriptionInterface, TheMenusInvitationSubscribesAndGoesBack)
         tap(window, ui.item("finishButton"));
         ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("subscribeProvincesView") == nullptr; }, 3000));
         EXPECT_EQ(ui.home.defaults().intArrayForKey(DefaultKeys::subscriptionProvinces), QList<int>{2});
-        EXPECT_TRUE(ui.delegate.sideMenu()->moreInfoButtonHidden());
+        EXPECT_TRUE(ui.delegate->sideMenu()->moreInfoButtonHidden());
     }
     MessageComposer::setSheet(nullptr);
     Telephony::install(nullptr);

@@ -26,7 +26,7 @@ int firstListedPlace(DemoWindow &ui, const std::function<bool(const RestaurantIn
     return -1;
 }
 
-LugarTableViewController *openCard(DemoWindow &ui) { return qobject_cast<LugarTableViewController *>(ui.delegate.mainNavigation()->topViewController()); }
+LugarTableViewController *openCard(DemoWindow &ui) { return qobject_cast<LugarTableViewController *>(ui.delegate->mainNavigation()->topViewController()); }
 
 // Brings a row of the card on screen by dragging the table up, as a thumb would.
 QQuickItem *scrollTo(DemoWindow &ui, const char *name)
@@ -200,7 +200,7 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("menuSection-1") != nullptr; }, 3000));
     QTest::qWait(400);
     ui.save("menu");
-    auto *menu = qobject_cast<MenuTableViewController *>(ui.delegate.mainNavigation()->topViewController());
+    auto *menu = qobject_cast<MenuTableViewController *>(ui.delegate->mainNavigation()->topViewController());
     ASSERT_TRUE(menu);
     tap(window, ui.item("menuSection-1"));
     EXPECT_TRUE(menu->openSections().contains(1));
@@ -219,7 +219,7 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     ASSERT_TRUE(galleryRow);
     tap(window, galleryRow);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("galleryView") != nullptr; }, 3000));
-    auto *gallery = qobject_cast<GalleryViewController *>(ui.delegate.mainNavigation()->presentedViewController());
+    auto *gallery = qobject_cast<GalleryViewController *>(ui.delegate->mainNavigation()->presentedViewController());
     ASSERT_TRUE(gallery);
     const auto page = [&](int number) {
         return ui.itemWhere([&](QQuickItem *item) { return item->objectName() == QStringLiteral("galleryPage-%1").arg(number); });
@@ -322,7 +322,7 @@ TEST(PlaceCardInterface, ATipAdShowsItsTextInTheFortuneSheet)
         return !info.hasGallery && !info.description.isEmpty() && !Restaurants::shared().profileImage(info.id).isEmpty();
     });
     ASSERT_GT(placeId, 0);
-    ui.delegate.openLink(QStringLiteral("velmora://place/%1").arg(placeId), false);
+    ui.delegate->openLink(QStringLiteral("velmora://place/%1").arg(placeId), false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarView") != nullptr; }, 3000));
     QQuickItem *ad = scrollTo(ui, "adPicture");
     ASSERT_TRUE(ad);
@@ -331,7 +331,7 @@ TEST(PlaceCardInterface, ATipAdShowsItsTextInTheFortuneSheet)
     ui.save("tip-sheet");
     ASSERT_TRUE(closeSheet());
 
-    ui.delegate.openLink(QStringLiteral("velmora://discover"), false);
+    ui.delegate->openLink(QStringLiteral("velmora://discover"), false);
     QQuickItem *feedAd = nullptr;
     ASSERT_TRUE(QTest::qWaitFor([&] {
         feedAd = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("adRow-")) && item->isVisible(); });

@@ -57,8 +57,9 @@ void announce(UpdateRig &rig, const QUrl &catalogue, const QDate &date = QDate(2
     last.write(date.toString(QStringLiteral("yyyyMMdd")).toLatin1() + '|' + catalogue.toEncoded());
     last.close();
     QString error;
-    if (!rig.signingKey.isEmpty())
+    if (!rig.signingKey.isEmpty()) {
         ASSERT_TRUE(signPublishedFile(last.fileName(), date, rig.signingKey, &error)) << error.toStdString();
+    }
 }
 
 QByteArray readAll(const QString &path)

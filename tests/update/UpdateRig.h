@@ -77,8 +77,9 @@ struct UpdateRig {
     explicit UpdateRig(const QByteArray &signingKey = {}, const QByteArray &trustedKey = {})
         : signingKey(signingKey)
     {
-        if (!trustedKey.isEmpty())
+        if (!trustedKey.isEmpty()) {
             EXPECT_TRUE(TestSigning::trust(trustedKey));
+        }
         if (signingKey.isEmpty() && trustedKey.isEmpty())
             home.defaults().setBool(true, DefaultKeys::devAllowUnsignedUpdates);
         home.addCatalogue(QStringLiteral("20170101"));

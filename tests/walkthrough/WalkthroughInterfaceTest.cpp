@@ -91,6 +91,17 @@ TEST(WalkthroughInterface, CopyStepTakesADroppedFileAndStartLeadsIn)
     EXPECT_TRUE(app.visible("openCatalogueButton"));
     app.save("walkthrough-copy");
 
+    // A damaged catalogue copied into the folder is named as unusable and kept; the watch goes on.
+    const QString damaged = app.home.documents() + QStringLiteral("/Guía dañada.vmr");
+    {
+        QFile whole(app.demoFile), half(damaged);
+        ASSERT_TRUE(whole.open(QIODevice::ReadOnly) && half.open(QIODevice::WriteOnly));
+        half.write(whole.read(whole.size() / 2));
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("importMessage") != nullptr; }, 4000));
+    EXPECT_EQ(app.visible("importMessage")->property("text").toString(), qtTrId("wt_copied_file_unusable").arg(QStringLiteral("Guía dañada.vmr")));
+    app.save("walkthrough-copy-damaged");
+
     // A file that isn't a catalogue is refused in words, and stays where it was.
     const QString note = app.home.root() + QStringLiteral("/note.vmr");
     BrokenFiles::writeGarbage(note);
@@ -105,8 +116,9 @@ TEST(WalkthroughInterface, CopyStepTakesADroppedFileAndStartLeadsIn)
     EXPECT_TRUE(QFile::exists(app.home.documents() + QStringLiteral("/velmora-20261101.db")));
     app.save("walkthrough-copy-ready");
     ASSERT_TRUE(app.tapOn("startButton"));
-    EXPECT_EQ(app.delegate.root(), QLatin1String(AppDelegate::mainRoot));
+    EXPECT_EQ(app.delegate->root(), QLatin1String(AppDelegate::mainRoot));
     EXPECT_TRUE(QTest::qWaitFor([&] { return app.item("sideDrawer") != nullptr; }, 3000));
+    EXPECT_TRUE(QFile::exists(damaged));
 }
 
 // Catches: a download step whose bar never moves, a cancel that leaves the transfer (or its
@@ -138,7 +150,35 @@ TEST(WalkthroughInterface, DownloadShowsProgressCancelsAndLeadsIn)
     EXPECT_EQ(app.visible("captionLabel")->property("text").toString(), qtTrId("wt_catalogue_downloaded"));
     app.save("walkthrough-downloaded");
     ASSERT_TRUE(app.tapOn("startButton"));
-    EXPECT_EQ(app.delegate.root(), QLatin1String(AppDelegate::mainRoot));
+    EXPECT_EQ(app.delegate->root(), QLatin1String(AppDelegate::mainRoot));
+}
+
+// Catches a start during a first-run download opening on the choice of ways in, with the resumed
+// transfer ending unheard and a second Download failing on the file the first one installed.
+TEST(WalkthroughInterface, ARestartDuringTheDownloadOpensOnItsProgress)
+{
+    FirstRunWindow app;
+    DemoShelf shelf(app.demoFile);
+    ASSERT_TRUE(app.waitForOpening());
+    shelf.proxy->trickle(4 * 1024); // the whole file takes about ten seconds
+    ASSERT_TRUE(app.tapOn("downloadButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        QQuickItem *bar = app.visible("progressView");
+        return bar && bar->property("progress").toDouble() > 0.05;
+    }, 10000));
+
+    app.relaunch();
+    ASSERT_TRUE(app.waitForOpening());
+    EXPECT_FALSE(app.visible("downloadButton"));
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        QQuickItem *bar = app.visible("progressView");
+        return bar && bar->property("progress").toDouble() > 0.05;
+    }, 5000)) << "the resumed transfer's progress, not a bar from zero";
+    EXPECT_TRUE(app.visible("cancelButton"));
+    shelf.proxy->trickle(0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("startButton") != nullptr; }, 15000));
+    ASSERT_TRUE(app.tapOn("startButton"));
+    EXPECT_EQ(app.delegate->root(), QLatin1String(AppDelegate::mainRoot));
 }
 
 // Catches "Open catalogue…" ending the app (exit 139) on a machine set up by scripts/setup: the
