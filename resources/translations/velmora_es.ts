@@ -233,7 +233,7 @@
     </message>
     <message id="save_myplaces_done">
         <source>save_myplaces_done</source>
-        <translation>Guardado</translation>
+        <translation>Guardar</translation>
     </message>
     <message id="myplaces_title">
         <source>myplaces_title</source>

@@ -9,8 +9,8 @@ Item {
     required property MapView map
     readonly property MapCalloutView content: map ? map.calloutView : null
     objectName: "mapCallout"
-    width: 270
-    height: 45 + arrow.height
+    width: map ? map.calloutSize.width : 0
+    height: map ? map.calloutSize.height : 0
     x: map ? Math.round(map.calloutPoint.x - width / 2) : 0
     y: map ? Math.round(map.calloutPoint.y - height) : 0
     visible: map !== null && map.calloutVisible

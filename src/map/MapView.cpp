@@ -141,6 +141,28 @@ void MapView::showCalloutForAnnotation(int identifier, const QPointF &offset, bo
     m_calloutOffset = offset;
     emit calloutChanged();
     emit calloutPointChanged();
+    bringCalloutIntoView();
+}
+
+void MapView::bringCalloutIntoView()
+{
+    // A callout cut at an edge hides its own button: the map moves by what is cut.
+    const QSizeF size = calloutSize();
+    const QSizeF view = m_camera.viewport;
+    if (view.width() < size.width() + 2 * calloutMargin || view.height() < size.height() + 2 * calloutMargin)
+        return;
+    const QPointF point = calloutPoint();
+    const QRectF box(point.x() - size.width() / 2, point.y() - size.height(), size.width(), size.height());
+    const auto shift = [](double low, double high, double limit) {
+        if (low < calloutMargin)
+            return calloutMargin - low;
+        if (high > limit - calloutMargin)
+            return limit - calloutMargin - high;
+        return 0.0;
+    };
+    const QPointF by(shift(box.left(), box.right(), view.width()), shift(box.top(), box.bottom(), view.height()));
+    if (!by.isNull())
+        setCamera(m_camera.center - by / m_camera.scale(), m_camera.zoom);
 }
 
 void MapView::hideCallout()

@@ -49,6 +49,8 @@ class MapView : public QQuickItem
     // Where the callout's arrow points, in this item's coordinates: above the selected pin by
     // the offset it was opened with.
     Q_PROPERTY(QPointF calloutPoint READ calloutPoint NOTIFY calloutPointChanged)
+    // The callout's box: its body and its arrow, which stands on the callout point.
+    Q_PROPERTY(QSizeF calloutSize READ calloutSize CONSTANT)
 
 public:
     struct Settings {
@@ -93,6 +95,9 @@ public:
     void showCalloutForAnnotation(int identifier, const QPointF &offset, bool animated);
     void hideCallout();
     bool calloutVisible() const { return m_calloutPin.has_value(); }
+    static QSizeF calloutSize() { return {270, 53}; }
+    // How far from the view's edges an opened callout is kept.
+    static constexpr double calloutMargin = 8;
     QPointF calloutPoint() const;
 
     // Position
@@ -131,6 +136,7 @@ protected:
 
 private:
     void setCamera(const QPointF &center, double zoom);
+    void bringCalloutIntoView();
     void beginRegionChange();
     void endRegionChange();
     void tap(const QPointF &point);

@@ -98,7 +98,7 @@ Rectangle {
             Accessible.onPressAction: root.controller.shareButtonTouched()
             Text {
                 anchors.centerIn: parent
-                text: Theme.icons.cardRight
+                text: Theme.icons.share
                 font: Theme.font("Velmora-Icons", 24)
                 color: "white"
             }

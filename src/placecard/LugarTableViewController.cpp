@@ -98,7 +98,7 @@ void LugarTableViewController::viewDidLoad()
     m_titleText = restInfo ? restInfo->name : QString();
     setTitle(m_titleText);
     showBackButton();
-    auto *share = new BarButtonItem(QStringLiteral("share"), IconFont::cardRight, BarButtonItem::iconFont(33), this);
+    auto *share = new BarButtonItem(QStringLiteral("share"), IconFont::share, BarButtonItem::iconFont(33), this);
     connect(share, &BarButtonItem::triggered, this, &LugarTableViewController::shareButtonTouched);
     setRightItems({share});
     // A place with pictures never shows an ad: the ad is chosen only for places without gallery.

@@ -31,7 +31,7 @@ Rectangle {
             Accessible.onPressAction: root.controller.shareButtonTouched()
             Text {
                 anchors.centerIn: parent
-                text: Theme.icons.cardRight
+                text: Theme.icons.share
                 font: Theme.font("Velmora-Icons", 24)
                 color: shareArea.pressed ? "#f0a898" : Theme.colors.barTintColor
             }
@@ -77,6 +77,7 @@ Rectangle {
         Accessible.onPressAction: root.controller.actionButtonTouched()
         Text {
             id: actionText
+            objectName: "saveSheetActionText"
             anchors.centerIn: parent
             text: root.controller ? root.controller.actionTitle : ""
             font: Theme.font("OpenSans-Semibold", 16)

@@ -23,6 +23,7 @@ std::span<const Glyph> all()
         {"toVisitOn", &toVisitOn},         {"checkOn", &checkOn},
         {"checkOff", &checkOff},           {"warning", &warning},
         {"mapLocate", &mapLocate},         {"mapMark", &mapMark},
+        {"share", &share},
     };
     return glyphs;
 }

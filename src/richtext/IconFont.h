@@ -27,6 +27,7 @@ inline const QString drawer = QStringLiteral("F");
 inline const QString back = QStringLiteral("P");
 inline const QString backPlain = QStringLiteral("d");
 inline const QString cardRight = QStringLiteral("R");
+inline const QString share = QStringLiteral("r");
 inline const QString chevronClosed = QStringLiteral("K");
 inline const QString chevronOpen = QStringLiteral("L");
 inline const QString location = QStringLiteral("M");

@@ -86,13 +86,19 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     EXPECT_FLOAT_EQ(demo.view()->visibleRegion().zoomLevel, 7.0f);
     ui.save("map-provinces");
 
-    // Close to Havana, a tap on a pin opens its callout with its name.
+    // Close to Havana, a tap on a pin dragged near the left edge opens its callout with its
+    // name, and the map moves so the callout stands whole in the view.
     const int id = MapViewWrapper::shared().annotations.keys().first();
     const Annotation pin = MapViewWrapper::shared().annotations.value(id);
     demo.view()->setVisibleRegion({pin.latitude, pin.longitude, 18.5f});
     QTest::qWait(50);
+    drag(window, QPoint(300, 650), QPoint(20 - demo.pinHead(id).x(), 0));
+    ASSERT_LT(demo.pinHead(id).x(), 40);
     QTest::mouseClick(window, Qt::LeftButton, {}, demo.pinHead(id));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("mapCallout") && ui.item("mapCallout")->isVisible(); }, 2000));
+    const QRectF calloutBox = ui.item("mapCallout")->mapRectToScene(ui.item("mapCallout")->boundingRect());
+    const QRectF mapBox = demo.view()->mapRectToScene(demo.view()->boundingRect());
+    EXPECT_TRUE(mapBox.contains(calloutBox)) << "callout at x " << calloutBox.x() << ", y " << calloutBox.y();
     const int selected = MapViewWrapper::placeForIdentifier(*demo.view()->annotationAt(demo.view()->mapFromScene(demo.pinHead(id))));
     EXPECT_EQ(demo.view()->calloutView()->spokenTitle(), Restaurants::shared().brief(selected)->name);
     demo.view()->setVisibleRegion({pin.latitude, pin.longitude, 16.0f});

@@ -130,13 +130,26 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.item("lugarNotes")->hasActiveFocus(); }, 1000));
     EXPECT_EQ(ui.home.defaults().stringForKey(DefaultKeys::notesKey(placeId)), QStringLiteral("Pedir mesa"));
 
-    // "Save to my places" opens the sheet; favourite, then done, files the place.
+    // "Save to my places" opens the sheet. A toggle then a tap on the dim outside it keeps
+    // nothing; the action button is the one way to keep changes, and says so once there are some.
     QQuickItem *save = scrollTo(ui, "lugarMyPlacesRow");
     ASSERT_TRUE(save);
-    tap(window, save);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("saveToggle-favorite") != nullptr; }, 2000));
-    QTest::qWait(400);
+    const auto openSheet = [&] {
+        tap(window, save);
+        const bool shown = QTest::qWaitFor([&] { return ui.item("saveToggle-favorite") != nullptr; }, 2000);
+        QTest::qWait(400);
+        return shown;
+    };
+    ASSERT_TRUE(openSheet());
+    tap(window, ui.item("saveToggle-visited"));
+    QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(window->width() / 2, 80));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("saveToMyPlacesView") == nullptr && !ui.item("dimming")->isVisible(); }, 2000));
+    EXPECT_TRUE(ui.home.defaults().intArrayForKey(DefaultKeys::visitados).isEmpty());
+    ASSERT_TRUE(openSheet());
+    EXPECT_EQ(ui.item("saveSheetActionText")->property("text").toString(), qtTrId("save_myplaces_cancel"));
     tap(window, ui.item("saveToggle-favorite"));
+    EXPECT_EQ(ui.item("saveSheetActionText")->property("text").toString(), qtTrId("save_myplaces_done"));
+    EXPECT_TRUE(ui.home.defaults().intArrayForKey(DefaultKeys::favoritos).isEmpty()) << "nothing is kept before the button";
     ui.save("save-sheet");
     tap(window, ui.item("saveSheetAction"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("saveToMyPlacesView") == nullptr && !ui.item("dimming")->isVisible(); }, 2000));
