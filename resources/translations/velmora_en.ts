@@ -429,7 +429,9 @@
     </message>
     <message id="in_shared_files_click_the_app_velmora">
         <source>in_shared_files_click_the_app_velmora</source>
-        <translation>Or copy it yourself into the folder &lt;c&gt;{DOCUMENTS}&lt;/c&gt;. On a phone, use the system's file sharing to put it in Velmora's Documents.</translation>
+        <translation>Or copy it yourself into this folder:
+&lt;c&gt;{DOCUMENTS}&lt;/c&gt;
+On a phone, use the system's file sharing to put it in Velmora's Documents.</translation>
     </message>
     <message id="add_the_file_to_the_documents_panel">
         <source>add_the_file_to_the_documents_panel</source>

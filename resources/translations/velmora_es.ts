@@ -429,7 +429,9 @@
     </message>
     <message id="in_shared_files_click_the_app_velmora">
         <source>in_shared_files_click_the_app_velmora</source>
-        <translation>O cópialo tú en la carpeta &lt;c&gt;{DOCUMENTS}&lt;/c&gt;. En un teléfono, usa la función de compartir archivos del sistema para dejarlo en los Documentos de Velmora.</translation>
+        <translation>O cópialo tú en esta carpeta:
+&lt;c&gt;{DOCUMENTS}&lt;/c&gt;
+En un teléfono, usa la función de compartir archivos del sistema para dejarlo en los Documentos de Velmora.</translation>
     </message>
     <message id="add_the_file_to_the_documents_panel">
         <source>add_the_file_to_the_documents_panel</source>

@@ -47,7 +47,6 @@ void MyPlacesViewController::viewDidLoad()
     editFont.setPixelSize(15);
     m_editButton = new BarButtonItem(QStringLiteral("edit"), QString(), editFont, this);
     connect(m_editButton, &BarButtonItem::triggered, this, [this] { setEditing(!m_editing); });
-    setRightItems({m_editButton});
 
     m_lugares = new LugaresTableViewController(m_restaurants, this);
     m_lugares->deleteCallback = [this](int id) { return deleteCallback(id); };
@@ -130,6 +129,7 @@ void MyPlacesViewController::showLugares(const QSet<int> &ids)
     // An empty search term: the list is alphabetical.
     m_lugares->setEntries(ids, true, QString());
     m_showingEmpty = false;
+    setRightItems({m_editButton});
     emit shownChanged();
 }
 
@@ -143,6 +143,8 @@ void MyPlacesViewController::showEmpty(int list)
     static const QRegularExpression tags(QStringLiteral("<[^>]*>"));
     m_emptySpoken = QString(text).remove(tags).remove(IconFont::myplacesThin).simplified();
     m_showingEmpty = true;
+    // Nothing to edit: the button goes, and the editing flag waits for a list that has rows.
+    setRightItems({});
     emit shownChanged();
 }
 

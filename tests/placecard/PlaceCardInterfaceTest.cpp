@@ -171,8 +171,9 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     QTest::qWait(400);
     ui.save("myplaces");
 
-    // A swipe uncovers delete; the place leaves the list and the store, and the empty view,
-    // whose button leads to the discover feed, comes up.
+    // In editing, a swipe uncovers delete; the place leaves the list and the store, and the
+    // empty view, whose button leads to the discover feed, comes up with no Done left in the bar.
+    tap(window, ui.item("barButton-edit"));
     QQuickItem *saved = shownCard();
     drag(window, saved->mapToScene(QPointF(saved->width() - 40, saved->height() / 2)).toPoint(), QPoint(-250, 0));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("swipeButton-delete") && ui.item("swipeButton-delete")->isVisible(); }, 2000));
@@ -180,6 +181,7 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     tap(window, ui.item("swipeButton-delete"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesEmpty") && ui.item("myPlacesEmpty")->isVisible(); }, 3000));
     EXPECT_TRUE(ui.home.defaults().intArrayForKey(DefaultKeys::favoritos).isEmpty());
+    EXPECT_FALSE(ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("barButton-edit") && item->isVisible(); }));
     ui.save("myplaces-empty");
     tap(window, ui.item("myPlacesExplore"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesView") == nullptr; }, 3000));
