@@ -1,5 +1,6 @@
 #include "LugaresTableViewController.h"
 #include "analytics/Events.h"
+#include "browse/PlaceCardTexts.h"
 
 #include "placecard/PlaceCards.h"
 #include "platform/DefaultKeys.h"
@@ -52,8 +53,6 @@ public:
     explicit LugaresRows(LugaresTableViewController &list)
         : QAbstractListModel(&list)
         , m_list(list)
-        , m_cell({QStringLiteral("i { font-name: Velmora-Icons; font-size: 16; }"),
-                  QStringLiteral("p { font-name: OpenSans; font-size: 13; }")})
     {
     }
 
@@ -134,9 +133,7 @@ public:
         case LetterRole:
             return m_shown.at(sectionAt(index.row())).name;
         case PictureRole:
-            // Pictures are cached once read; a place without one asks the provider for nothing.
-            return m_list.m_restaurants.profileImage(id).isEmpty() ? QString()
-                                                                   : QStringLiteral("image://places/profile/%1").arg(id);
+            return PlaceCardTexts::picture(m_list.m_restaurants, id);
         default:
             break;
         }
@@ -148,21 +145,15 @@ public:
         case NameRole:
             return brief->name;
         case CuisinesRole:
-            return QVariant::fromValue(m_cell.render(QStringLiteral("<body><i>%1</i><p> <![CDATA[%2]]></p></body>")
-                                                         .arg(IconFont::location, brief->cuisines.join(QStringLiteral(", ")))));
+            return m_texts.cuisines(*brief);
         case AddressRole:
             return brief->address;
         case WarningRole:
-            return brief->outOfService ? IconFont::warning : QString();
+            return PlaceCardTexts::warning(*brief);
         case HasPhoneRole:
             return brief->hasPhone;
-        case AccessibleNameRole: {
-            // What a screen reader says for the row: the card's texts without its glyphs.
-            QString spoken = qtTrId("a11y_place_row").arg(brief->name, brief->cuisines.join(QStringLiteral(", ")), brief->address);
-            if (brief->outOfService)
-                spoken += QStringLiteral(". ") + qtTrId("a11y_out_of_service");
-            return spoken;
-        }
+        case AccessibleNameRole:
+            return PlaceCardTexts::spoken(*brief);
         default:
             return {};
         }
@@ -194,7 +185,7 @@ private:
     }
 
     LugaresTableViewController &m_list;
-    RichString m_cell;
+    PlaceCardTexts m_texts;
     QList<std::pair<int, int>> m_index; // row -> (section, offset) in m_shown
     QList<Section> m_shown;              // the sections the rows were last told about
 };

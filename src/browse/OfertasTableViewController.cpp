@@ -1,5 +1,6 @@
 #include "OfertasTableViewController.h"
 #include "analytics/Events.h"
+#include "browse/PlaceCardTexts.h"
 
 #include "placecard/PlaceCards.h"
 #include "catalogue/Restaurants.h"
@@ -81,11 +82,17 @@ void OfertasTableViewController::reloadOffers()
     loadOffers();
     m_rows.clear();
     if (restaurantMode()) {
-        const auto brief = m_restaurants.brief(rid);
+        // The place list's own card, cuisines line and all.
+        const Brief brief = m_restaurants.brief(rid).value_or(Brief{});
+        const PlaceCardTexts texts;
         m_rows.append(QVariantMap{{QStringLiteral("kind"), QStringLiteral("card")},
                                   {QStringLiteral("rid"), rid},
-                                  {QStringLiteral("name"), brief ? brief->name : QString()},
-                                  {QStringLiteral("address"), brief ? brief->address : QString()},
+                                  {QStringLiteral("name"), brief.name},
+                                  {QStringLiteral("cuisines"), texts.cuisines(brief)},
+                                  {QStringLiteral("address"), brief.address},
+                                  {QStringLiteral("warning"), PlaceCardTexts::warning(brief)},
+                                  {QStringLiteral("picture"), PlaceCardTexts::picture(m_restaurants, rid)},
+                                  {QStringLiteral("spoken"), PlaceCardTexts::spoken(brief)},
                                   {QStringLiteral("inert"), inertRestCard}});
     }
     for (const auto &[title, offers] : m_ofertas) {

@@ -40,50 +40,18 @@ Rectangle {
 
             Component {
                 id: card
-                Rectangle {
+                RestaurantCard {
                     objectName: "offersPlaceCard"
-                    height: 76
-                    color: cardArea.pressed ? "#f4f1ec" : "white"
-                    Accessible.role: Accessible.Button
-                    Accessible.name: row.modelData.name + ". " + row.modelData.address
-                    Rectangle {
-                        id: photo
-                        x: 12; anchors.verticalCenter: parent.verticalCenter
-                        width: 56; height: 56; radius: 6
-                        color: "#f0ede8"
-                        clip: true
-                        Text {
-                            anchors.centerIn: parent
-                            visible: picture.status !== Image.Ready
-                            text: Theme.icons.camera
-                            font: Theme.font("Velmora-Icons", 22)
-                            color: "#cfc6b6"
-                            Accessible.ignored: true
-                        }
-                        Image {
-                            id: picture
-                            anchors.fill: parent
-                            source: "image://places/profile/" + row.modelData.rid
-                            sourceSize: Qt.size(112, 112)
-                            fillMode: Image.PreserveAspectCrop
-                            asynchronous: true
-                        }
-                    }
-                    Column {
-                        anchors { left: photo.right; leftMargin: 12; right: arrow.left; rightMargin: 8; verticalCenter: parent.verticalCenter }
-                        Text { width: parent.width; text: row.modelData.name; font: Theme.font("OpenSans-Semibold", 16); color: "#3a2a22"; elide: Text.ElideRight }
-                        Text { width: parent.width; text: row.modelData.address; font: Theme.font("OpenSans", 13); color: "#8a7f72"; elide: Text.ElideRight }
-                    }
-                    Text {
-                        id: arrow
-                        visible: !row.modelData.inert
-                        anchors { right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
-                        text: Theme.icons.cardRight
-                        font: Theme.font("Velmora-Icons", 20)
-                        color: "#cfc6b6"
-                    }
-                    Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: "#ebe6de" }
-                    MouseArea { id: cardArea; anchors.fill: parent; enabled: !row.modelData.inert; onClicked: root.controller.didSelectRow(row.index) }
+                    index: row.index
+                    rid: row.modelData.rid
+                    name: row.modelData.name
+                    cuisines: row.modelData.cuisines
+                    address: row.modelData.address
+                    warning: row.modelData.warning
+                    picture: row.modelData.picture
+                    accessibleName: row.modelData.spoken
+                    showsArrow: !row.modelData.inert
+                    onActivated: if (!row.modelData.inert) root.controller.didSelectRow(row.index)
                 }
             }
             Component {

@@ -15,6 +15,10 @@ SwipeDelegate {
     required property string warning
     required property string picture
     property LugaresTableViewController list
+    // Without a list (the offers list's card of its place) a tap is the owner's, and the card
+    // neither swipes nor shows points.
+    signal activated()
+    property bool showsArrow: true
 
     objectName: "placeCard-" + rid
 
@@ -35,7 +39,8 @@ SwipeDelegate {
         }
     }
 
-    onClicked: card.list.didSelectRow(card.index)
+    onClicked: card.list ? card.list.didSelectRow(card.index) : card.activated()
+    swipe.enabled: card.list !== null
     Connections {
         target: card.swipe
         function onPositionChanged() {
@@ -115,6 +120,7 @@ SwipeDelegate {
         }
         RichLabel {
             id: cuisinesLabel
+            objectName: "cardCuisines"
             anchors { left: nameRow.left; right: nameRow.right; top: nameRow.bottom; topMargin: 2 }
             text: card.cuisines
             color: Theme.colors.barTintColor
@@ -140,8 +146,8 @@ SwipeDelegate {
         Text {
             id: arrow
             anchors { right: parent.right; rightMargin: 30; verticalCenter: parent.verticalCenter }
-            visible: !card.swiped
-            text: "R"
+            visible: !card.swiped && card.showsArrow
+            text: Theme.icons.cardRight
             font: Theme.font("Velmora-Icons", 20)
             color: "#cfc6b6"
         }

@@ -236,6 +236,11 @@ TEST(MainInterface, TheOffersTabListsTodaysOffers)
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 2; }, 2000));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("offersPlaceCard") && ui.item("offersPlaceCard")->isVisible(); }, 2000));
     QTest::qWait(400);
+    // The place's card on top is the place list's, with its cuisines line.
+    const int rid = ui.item("offersPlaceCard")->property("rid").toInt();
+    QQuickItem *cuisines = findItem(ui.item("offersPlaceCard"), QStringLiteral("cardCuisines"));
+    ASSERT_TRUE(cuisines && cuisines->isVisible() && Restaurants::shared().brief(rid));
+    EXPECT_TRUE(cuisines->property("plainText").toString().contains(Restaurants::shared().brief(rid)->cuisines.value(0)));
     ui.save("offers-place");
     tap(window, ui.item("barButton-back"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 1; }, 2000));
