@@ -35,15 +35,27 @@ Rectangle {
             Accessible.name: promo ? modelData.spoken : modelData.badge
 
             Rectangle { anchors.fill: parent; color: "#3a1a12" }
+            // An ad is shown whole, its full width, whatever its shape: its own picture, dimmed
+            // and filling the card, takes the room it leaves above and below.
+            Image {
+                visible: !row.promo
+                anchors.fill: parent
+                source: row.promo ? "" : row.modelData.picture
+                sourceSize.width: parent.width * 2
+                fillMode: Image.PreserveAspectCrop
+                opacity: 0.35
+                asynchronous: true
+            }
             Image {
                 id: picture
+                objectName: row.promo ? "promoPicture" : "adPicture"
                 width: parent.width
-                // Taller than the card by a fifth, so it has room to travel.
+                // A promo's is taller than the card by a fifth, so it has room to travel.
                 height: row.promo ? parent.height * 1.2 : parent.height
                 y: row.promo ? (feed.travel - 0.5) * (height - parent.height) : 0
                 source: row.modelData.picture
                 sourceSize.width: parent.width * 2
-                fillMode: Image.PreserveAspectCrop
+                fillMode: row.promo ? Image.PreserveAspectCrop : Image.PreserveAspectFit
                 asynchronous: true
             }
             // The shade under the title: black from clear to half, top to bottom.

@@ -261,6 +261,13 @@ TEST(MainInterface, TheDiscoverTabShowsThePromotedPlaces)
     ui.save("discover");
     EXPECT_TRUE(ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("adRow-")); }))
         << "an ad follows the second promotion";
+    // An ad of another shape than its card is shown whole, not cut at the sides.
+    QQuickItem *ad = ui.itemWhere([](QQuickItem *item) {
+        return item->objectName() == QLatin1String("adPicture") && item->isVisible() && item->property("status").toInt() == 1;
+    });
+    ASSERT_TRUE(ad);
+    EXPECT_NEAR(ad->property("paintedWidth").toDouble(), ad->width(), 1.0);
+    EXPECT_LE(ad->property("paintedHeight").toDouble(), ad->height() + 0.5);
     tap(window, ui.item("promoRow-0"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 2; }, 2000));
 }
