@@ -261,6 +261,18 @@ TEST(Toolkit, DemoIsDeterministicAndComplete)
     for (const char *table : {"menu_entries", "offers", "restaurants_promoted", "gallery", "restaurants_profiles"})
         EXPECT_GT(tables.value(QLatin1String(table)).toInt(), 0) << table;
     EXPECT_EQ(validate(makeDemo(options)), QString()) << "the demo's pages are paths on the site, as the app composes them";
+    // The English hours say what the Spanish ones do: opening at 12:00 is noon, "12 pm".
+    int noon = 0;
+    const CatalogueData demo = makeDemo(options);
+    for (const QVariantMap &place : demo.rows(QStringLiteral("restaurants"))) {
+        const QString spanish = place.value(QStringLiteral("horario")).toString(), english = place.value(QStringLiteral("horario_en")).toString();
+        if (spanish.startsWith(QLatin1String("De 12:00"))) {
+            ++noon;
+            EXPECT_TRUE(english.startsWith(QLatin1String("12 pm to "))) << english.toStdString();
+        }
+        EXPECT_FALSE(english.contains(QLatin1String("12 am"))) << english.toStdString();
+    }
+    EXPECT_GT(noon, 0);
 }
 
 // Catches: patches that miss inserts, updates or deletes of places, offers or pictures, that

@@ -9,6 +9,13 @@
 #include <random>
 
 namespace {
+// An hour of the day as an English reader writes it: "12 pm" is noon, "12 am" midnight.
+QString englishHour(int hour)
+{
+    const int onClock = hour % 12 == 0 ? 12 : hour % 12;
+    return QStringLiteral("%1 %2").arg(onClock).arg(hour % 24 < 12 ? QStringLiteral("am") : QStringLiteral("pm"));
+}
+
 
 struct Pair {
     const char *es;
@@ -186,7 +193,7 @@ CatalogueData makeDemo(const DemoOptions &options)
             {QStringLiteral("latitud"), where.latitude + (unitInterval(random) - 0.5) * 0.3},
             {QStringLiteral("longitud"), where.longitude + (unitInterval(random) - 0.5) * 0.4},
             {QStringLiteral("horario"), QStringLiteral("De %1:00 a %2:00, todos los días").arg(opensAt).arg(closesAt)},
-            {QStringLiteral("horario_en"), QStringLiteral("%1 am to %2 pm, every day").arg(opensAt).arg(closesAt - 12)},
+            {QStringLiteral("horario_en"), QStringLiteral("%1 to %2, every day").arg(englishHour(opensAt), englishHour(closesAt))},
             {QStringLiteral("description"),
              QStringLiteral("Cocina %1 en el corazón de %2. Ambiente familiar, raciones generosas y la mejor atención.")
                  .arg(s(cuisines[cuisine - 1].es).toLower(), where.municipalities.at(municipality % 100 - 1))},
