@@ -40,12 +40,13 @@ void WTPage1ViewController::viewDidAppear()
 
 void WTPage1ViewController::showView(const QString &step)
 {
+    // A file dropped on the copy step asks for the step it is on: what it shows stays.
+    if (m_step == step)
+        return;
     if (step == QLatin1String("itunes"))
         m_itunes.viewWillAppear();
     else if (step == QLatin1String("download"))
         m_download.viewWillAppear();
-    if (m_step == step)
-        return;
     m_step = step;
     emit stepChanged();
 }

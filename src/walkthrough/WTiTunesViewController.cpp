@@ -97,13 +97,12 @@ void WTiTunesViewController::viewWillAppear()
 
 void WTiTunesViewController::showRefusedFiles()
 {
-    // Said once for each set of files: a refusal of a dropped file stays until something changes.
+    // Said once for each set of files: a file looked at again as it is being written doesn't
+    // repeat it, and a later refusal of a dropped file stays.
     const QStringList refused = m_restaurants.refusedFiles();
-    if (!m_loadOperation || refused == m_shownRefusals)
+    if (!m_loadOperation || refused.isEmpty() || refused == m_shownRefusals)
         return;
     m_shownRefusals = refused;
-    if (refused.isEmpty())
-        return;
     m_message = qtTrId("wt_copied_file_unusable").arg(refused.join(QStringLiteral(", ")));
     emit stateChanged();
 }

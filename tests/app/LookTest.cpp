@@ -95,7 +95,7 @@ TEST(Look, EveryIconCharacterHasItsGlyph)
         EXPECT_FALSE(icons.pathForGlyph(indexes.first()).isEmpty()) << glyph.name;
         glyphOf.insert(QString::fromLatin1(glyph.name), indexes.first());
     }
-    EXPECT_EQ(glyphOf.size(), 36);
+    EXPECT_EQ(glyphOf.size(), 37);
     for (const auto &[off, on] : {std::pair{"favoriteOff", "favoriteOn"}, std::pair{"visitedOff", "visitedOn"},
                                   std::pair{"toVisitOff", "toVisitOn"}, std::pair{"checkOff", "checkOn"},
                                   std::pair{"chevronClosed", "chevronOpen"}, std::pair{"mapThin", "mapFull"}})
