@@ -233,6 +233,27 @@ void AppDelegate::loadFortunes()
     NotificationCenter::defaultCenter().addObserver(this, Notifications::VelmoraShake, [this](const QVariant &) { shaken(); });
 }
 
+bool AppDelegate::escapePressed()
+{
+    NavigationController *navigation = m_root == QLatin1String(mainRoot) ? m_mainNavigation : nullptr;
+    if (!navigation)
+        return false;
+    if (navigation->presentedViewController()) {
+        navigation->dismissViewController(true);
+        return true;
+    }
+    if (m_drawer && m_drawer->isMenuVisible()) {
+        m_drawer->hideMenuAnimated(true);
+        return true;
+    }
+    if (ViewController *top = navigation->topViewController(); top && top->closeOwnLayer())
+        return true;
+    if (navigation->viewControllers().size() < 2)
+        return false;
+    navigation->popViewController(true);
+    return true;
+}
+
 void AppDelegate::shaken()
 {
     if (m_root != QLatin1String(mainRoot) || !m_mainNavigation)

@@ -71,6 +71,9 @@ public:
     // A shake of the device (or its stand-ins: the shortcut, the developer tool): a fortune over
     // the main interface.
     Q_INVOKABLE void shaken();
+    // The Escape key of the main interface: closes what is on top (a sheet or panel, the drawer,
+    // the screen's own search bar) or else goes back one screen. False when there was nothing.
+    Q_INVOKABLE bool escapePressed();
     class FortunesViewController *fortunesViewController() const { return m_fortunesViewController; }
     // An ad's "tip": its text in the fortune sheet, over the dimmed main interface.
     void showTip(const QString &text) override;

@@ -22,6 +22,15 @@ ApplicationWindow {
         onActivated: window.app.shaken()
     }
 
+    // Escape closes what is on top or goes back, as a phone's back gesture does. Only over the
+    // main interface: the first run's file chooser takes its own Escape.
+    Shortcut {
+        sequence: StandardKey.Cancel
+        context: Qt.ApplicationShortcut
+        enabled: window.app.root === "main"
+        onActivated: window.app.escapePressed()
+    }
+
     Loader {
         anchors.fill: parent
         sourceComponent: window.app.root === "main" ? mainRoot : window.app.root === "walkthrough" ? walkthroughRoot : subscribeRoot

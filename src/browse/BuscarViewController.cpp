@@ -208,6 +208,14 @@ void BuscarViewController::showSearch()
     applyFilters(m_lastFilters);
 }
 
+bool BuscarViewController::closeOwnLayer()
+{
+    if (!m_searchVisible)
+        return false;
+    cancelSearch();
+    return true;
+}
+
 void BuscarViewController::cancelSearch()
 {
     if (!m_searchVisible)

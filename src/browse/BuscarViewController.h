@@ -68,6 +68,7 @@ public:
     QString activeSearch() const { return m_activeSearch; }
     Q_INVOKABLE void searchTapped();
     Q_INVOKABLE void cancelSearch();
+    bool closeOwnLayer() override;
     // The text field's events, as the view reports them.
     Q_INVOKABLE void textFieldShouldChange(const QString &oldText, const QString &newText);
     Q_INVOKABLE void textFieldChanged(const QString &text);

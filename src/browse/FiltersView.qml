@@ -33,6 +33,7 @@ Rectangle {
             color: "white"
             Accessible.role: Accessible.Button
             Accessible.name: text
+            Accessible.onPressAction: root.controller.clearAllFilters()
             MouseArea { anchors { fill: parent; margins: -10 } onClicked: root.controller.clearAllFilters() }
         }
     }
@@ -53,6 +54,7 @@ Rectangle {
                 Accessible.role: Accessible.PageTab
                 Accessible.name: modelData
                 Accessible.selected: root.controller && root.controller.page === index
+                Accessible.onPressAction: root.controller.page = index
                 Text {
                     anchors.centerIn: parent
                     text: parent.modelData
@@ -96,6 +98,10 @@ Rectangle {
             Accessible.role: Accessible.CheckBox
             Accessible.name: modelData.title
             Accessible.checked: modelData.chosen
+            Accessible.checkable: true
+            // A screen reader's toggle or press is the finger's tap.
+            Accessible.onToggleAction: rows.page.didSelectRow(row.index)
+            Accessible.onPressAction: rows.page.didSelectRow(row.index)
             // The price ranges' connectors join neighbouring chosen ranges into one.
             Rectangle {
                 visible: rows.prices && row.modelData.top !== "hidden"
@@ -141,6 +147,7 @@ Rectangle {
         color: Theme.colors.barTintColor
         Accessible.role: Accessible.Button
         Accessible.name: qsTrId("filters_filter_action")
+        Accessible.onPressAction: root.controller.close()
         Text {
             anchors.centerIn: parent
             text: qsTrId("filters_filter_action")

@@ -39,7 +39,10 @@ SwipeDelegate {
         }
     }
 
-    onClicked: card.list ? card.list.didSelectRow(card.index) : card.activated()
+    // A finger's tap and a screen reader's press take the same way in.
+    function open() { if (card.list) card.list.didSelectRow(card.index); else card.activated() }
+    onClicked: open()
+    Accessible.onPressAction: open()
     swipe.enabled: card.list !== null
     Connections {
         target: card.swipe
@@ -52,9 +55,12 @@ SwipeDelegate {
         }
     }
     property bool swiped: false
-    // A card scrolled away and reused for another place comes back closed.
-    ListView.onPooled: card.swipe.close()
-    ListView.onReused: card.swipe.close()
+    // A card scrolled away and reused for another place comes back closed. While it waits in the
+    // pool it is hidden: the view only culls it, and a screen reader would still read it.
+    property bool pooled: false
+    visible: !pooled && index >= 0
+    ListView.onPooled: { card.swipe.close(); card.pooled = true }
+    ListView.onReused: { card.swipe.close(); card.pooled = false }
 
     contentItem: Item {
         // Drawn, not typed: no bundled font has the sign, and a system fallback would differ.

@@ -77,7 +77,9 @@ Rectangle {
             Accessible.role: Accessible.RadioButton
             Accessible.name: cell.title
             Accessible.checked: cell.selected
+            Accessible.checkable: true
             Accessible.onPressAction: root.controller.didSelectRow(row)
+            Accessible.onToggleAction: root.controller.didSelectRow(row)
             Text {
                 anchors { left: parent.left; leftMargin: 18; verticalCenter: parent.verticalCenter }
                 text: parent.parent.cell.title

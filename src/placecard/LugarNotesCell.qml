@@ -43,6 +43,16 @@ Item {
                 else
                     cell.controller.textViewDidEndEditing(text)
             }
+            // Tab leaves the note for the next control, as in any form; it never types a tab.
+            function leave(forward) {
+                const next = note.nextItemInFocusChain(forward)
+                if (next && next !== note)
+                    next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason)
+                else
+                    note.focus = false
+            }
+            Keys.onTabPressed: (event) => { leave(true); event.accepted = true }
+            Keys.onBacktabPressed: (event) => { leave(false); event.accepted = true }
             Keys.onPressed: (event) => {
                 if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
                         && !cell.controller.textViewShouldChangeText("\n"))

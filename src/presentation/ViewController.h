@@ -48,6 +48,9 @@ public:
     void loadViewIfNeeded();
     virtual void viewWillAppear() {}
     virtual void viewWillDisappear() {}
+    // What the Escape key undoes on this screen before the stack is popped (a search bar left
+    // open, say); false when there is nothing of the kind.
+    virtual bool closeOwnLayer() { return false; }
 
 signals:
     void titleChanged();

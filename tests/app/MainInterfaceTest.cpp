@@ -12,6 +12,7 @@
 #include "toolkit/CatalogueWriter.h"
 #include "toolkit/DemoGenerator.h"
 
+#include <QAccessible>
 #include <QDir>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -331,4 +332,58 @@ TEST(MainInterface, TheSearchBarClearsAndCloses)
     tap(window, ui.item("barButton-cancel"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.search()->searchVisible(); }, 5000));
     ASSERT_TRUE(QTest::qWaitFor([&] { return list->rows()->rowCount() == all; }, 10000)) << list->rows()->rowCount() << " of " << all << " search " << ui.search()->searchVisible();
+}
+
+// Catches an Escape key that does nothing, and one that goes back past what is on top: it closes
+// the filters panel, then the search bar, the drawer, and only then leaves a place's card.
+TEST(MainInterface, EscapeClosesWhatIsOnTopThenGoesBack)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    NavigationController &navigation = *ui.delegate->mainNavigation();
+
+    tap(window, ui.item("barButton-search"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-filter") != nullptr; }, 2000));
+    tap(window, ui.item("barButton-filter"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.presentedViewController() != nullptr && ui.item("filterRow-1"); }, 2000));
+    // A screen reader's toggle on a filter's row ticks it, as the tap does.
+    QAccessibleInterface *filter = QAccessible::queryAccessibleInterface(ui.item("filterRow-1"));
+    ASSERT_TRUE(filter && filter->actionInterface());
+    const bool ticked = filter->state().checked;
+    filter->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QAccessible::queryAccessibleInterface(ui.item("filterRow-1"))->state().checked != ticked; }, 2000));
+    QTest::keyClick(window, Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.presentedViewController() == nullptr; }, 2000));
+    EXPECT_TRUE(ui.search()->searchVisible());
+    QTest::keyClick(window, Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.search()->searchVisible(); }, 2000));
+
+    tap(window, ui.item("barButton-menu"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->drawer()->isMenuVisible(); }, 2000));
+    QTest::keyClick(window, Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.delegate->drawer()->isMenuVisible(); }, 2000));
+
+    QTest::qWait(400);
+    QQuickItem *card = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible(); });
+    ASSERT_TRUE(card);
+    tap(window, card);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.viewControllers().size() == 2; }, 2000));
+    QTest::qWait(400);
+    QTest::keyClick(window, Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.viewControllers().size() == 1; }, 2000));
+    QTest::keyClick(window, Qt::Key_Escape); // nothing left to close: the guide stays
+    QTest::qWait(200);
+    EXPECT_EQ(navigation.viewControllers().size(), 1);
+    EXPECT_FALSE(ui.delegate->drawer()->isMenuVisible());
+
+    // A screen reader's press on a place's row opens it, as the tap did.
+    QTest::qWait(400);
+    card = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible(); });
+    ASSERT_TRUE(card);
+    QAccessibleInterface *row = QAccessible::queryAccessibleInterface(card);
+    ASSERT_TRUE(row && row->actionInterface());
+    EXPECT_TRUE(row->actionInterface()->actionNames().contains(QAccessibleActionInterface::pressAction()));
+    row->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return navigation.viewControllers().size() == 2; }, 2000));
 }

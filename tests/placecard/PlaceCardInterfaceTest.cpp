@@ -129,6 +129,12 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     QTest::keyClick(window, Qt::Key_Return); // ends the editing, which keeps the note
     ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.item("lugarNotes")->hasActiveFocus(); }, 1000));
     EXPECT_EQ(ui.home.defaults().stringForKey(DefaultKeys::notesKey(placeId)), QStringLiteral("Pedir mesa"));
+    // Tab leaves the note, and types nothing into it.
+    tap(window, ui.item("lugarNotes"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("lugarNotes")->hasActiveFocus(); }, 1000));
+    QTest::keyClick(window, Qt::Key_Tab);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.item("lugarNotes")->hasActiveFocus(); }, 1000));
+    EXPECT_EQ(ui.home.defaults().stringForKey(DefaultKeys::notesKey(placeId)), QStringLiteral("Pedir mesa"));
 
     // "Save to my places" opens the sheet. A toggle then a tap on the dim outside it keeps
     // nothing; the action button is the one way to keep changes, and says so once there are some.
