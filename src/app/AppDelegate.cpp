@@ -254,6 +254,20 @@ bool AppDelegate::escapePressed()
     return true;
 }
 
+void AppDelegate::findPressed()
+{
+    if (m_root != QLatin1String(mainRoot) || !m_mainNavigation)
+        return;
+    if (m_mainNavigation->presentedViewController())
+        m_mainNavigation->dismissViewController(false);
+    if (m_drawer && m_drawer->isMenuVisible())
+        m_drawer->hideMenuAnimated(true);
+    showMenuEntry(QStringLiteral("browse"));
+    m_mainNavigation->popToRootViewController(false);
+    if (auto *search = qobject_cast<BuscarViewController *>(m_mainNavigation->topViewController()))
+        search->focusSearch();
+}
+
 void AppDelegate::shaken()
 {
     if (m_root != QLatin1String(mainRoot) || !m_mainNavigation)

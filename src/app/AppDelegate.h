@@ -74,6 +74,8 @@ public:
     // The Escape key of the main interface: closes what is on top (a sheet or panel, the drawer,
     // the screen's own search bar) or else goes back one screen. False when there was nothing.
     Q_INVOKABLE bool escapePressed();
+    // Ctrl+F or "/": whatever the screen, back to the browse screen with its search field ready.
+    Q_INVOKABLE void findPressed();
     class FortunesViewController *fortunesViewController() const { return m_fortunesViewController; }
     // An ad's "tip": its text in the fortune sheet, over the dimmed main interface.
     void showTip(const QString &text) override;

@@ -31,6 +31,14 @@ ApplicationWindow {
         onActivated: window.app.escapePressed()
     }
 
+    // Ctrl+F, or "/" where no text field takes it, goes to search from anywhere.
+    Shortcut {
+        sequences: [StandardKey.Find, "/"]
+        context: Qt.ApplicationShortcut
+        enabled: window.app.root === "main"
+        onActivated: window.app.findPressed()
+    }
+
     Loader {
         anchors.fill: parent
         sourceComponent: window.app.root === "main" ? mainRoot : window.app.root === "walkthrough" ? walkthroughRoot : subscribeRoot

@@ -196,6 +196,14 @@ void BuscarViewController::searchTapped()
     showSearch();
 }
 
+void BuscarViewController::focusSearch()
+{
+    if (m_searchVisible)
+        emit searchFieldFocusRequested();
+    else
+        searchTapped();
+}
+
 void BuscarViewController::showSearch()
 {
     updateFilterButtonColor();

@@ -67,6 +67,9 @@ public:
     QString searchText() const { return m_searchText; }
     QString activeSearch() const { return m_activeSearch; }
     Q_INVOKABLE void searchTapped();
+    // The keyboard's way to search: opens the search bar as its button does, or gives the open
+    // bar's field the keys again.
+    void focusSearch();
     Q_INVOKABLE void cancelSearch();
     bool closeOwnLayer() override;
     // The text field's events, as the view reports them.

@@ -387,3 +387,21 @@ TEST(MainInterface, EscapeClosesWhatIsOnTopThenGoesBack)
     row->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_TRUE(QTest::qWaitFor([&] { return navigation.viewControllers().size() == 2; }, 2000));
 }
+
+// Catches a search a keyboard can't reach: Ctrl+F from another screen of the menu opens the
+// browse screen's search with its field taking keys, where "/" is typed, not taken as a shortcut.
+TEST(MainInterface, CtrlFReachesSearchFromAnotherScreen)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ui.delegate->openLink(QStringLiteral("velmora://myplaces"), false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesView") && ui.item("myPlacesView")->isVisible(); }, 3000));
+
+    QTest::keyClick(window, Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("searchField") && ui.item("searchField")->hasActiveFocus(); }, 3000));
+    EXPECT_TRUE(ui.search()->searchVisible());
+    QTest::keyClick(window, 'a');
+    QTest::keyClick(window, '/');
+    EXPECT_EQ(ui.item("searchField")->property("text").toString(), QStringLiteral("a/"));
+}
