@@ -29,6 +29,7 @@ SwipeDelegate {
     Accessible.name: accessibleName
     background: Rectangle {
         color: card.pressed ? "#f4f1ec" : "white"
+        border { width: card.visualFocus ? 2 : 0; color: Theme.colors.barTintColor }
         // Under the texts, so it moves with them when editing slides the card's content.
         Rectangle {
             objectName: "cardSeparator"
@@ -43,6 +44,12 @@ SwipeDelegate {
     function open() { if (card.list) card.list.didSelectRow(card.index); else card.activated() }
     onClicked: open()
     Accessible.onPressAction: open()
+    // A Tab stop (delegates aren't by default): Space or Return opens, and the list scrolls
+    // to keep the card with the keys in view.
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: open()
+    Keys.onEnterPressed: open()
+    onActiveFocusChanged: if (activeFocus && ListView.view) ListView.view.positionViewAtIndex(index, ListView.Contain)
     swipe.enabled: card.list !== null
     Connections {
         target: card.swipe

@@ -2,6 +2,7 @@
 #include "app/AppWindow.h"
 #include "app/SideMenuViewController.h"
 #include "browse/BuscarViewController.h"
+#include "placecard/LugarTableViewController.h"
 #include "fixtures/DemoWindow.h"
 #include "fixtures/QuickItems.h"
 #include "fixtures/TestHome.h"
@@ -404,4 +405,38 @@ TEST(MainInterface, CtrlFReachesSearchFromAnotherScreen)
     QTest::keyClick(window, 'a');
     QTest::keyClick(window, '/');
     EXPECT_EQ(ui.item("searchField")->property("text").toString(), QStringLiteral("a/"));
+}
+
+// Catches a guide a keyboard can't walk: Tab stops on the bar's buttons and on the place cards in
+// reading order, with a ring on the one that has the keys; Return opens the drawer or the place,
+// and Escape comes back.
+TEST(MainInterface, TabAndReturnOpenTheMenuAndAPlace)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    const auto focused = [&] { return window->activeFocusItem() ? window->activeFocusItem()->objectName() : QString(); };
+
+    QTest::keyClick(window, Qt::Key_Tab);
+    ASSERT_EQ(focused(), QStringLiteral("barButton-menu"));
+    EXPECT_TRUE(findItem(window->activeFocusItem(), QStringLiteral("focusRing"))->isVisible());
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->drawer()->isMenuVisible(); }, 2000));
+    QTest::keyClick(window, Qt::Key_Escape);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.delegate->drawer()->isMenuVisible(); }, 2000));
+
+    QTest::keyClick(window, Qt::Key_Tab); // the search button
+    QTest::keyClick(window, Qt::Key_Tab);
+    ASSERT_TRUE(focused().startsWith(QLatin1String("placeCard-"))) << focused().toStdString();
+    const int placeId = focused().mid(int(qstrlen("placeCard-"))).toInt();
+    QQuickItem *first = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible(); });
+    EXPECT_EQ(window->activeFocusItem(), first) << "the first card in reading order";
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        auto *card = qobject_cast<LugarTableViewController *>(ui.delegate->mainNavigation()->topViewController());
+        return card && card->restInfo && card->restInfo->id == placeId;
+    }, 3000));
+    QTest::qWait(400);
+    QTest::keyClick(window, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 1; }, 2000));
 }

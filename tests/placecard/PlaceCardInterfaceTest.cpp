@@ -180,6 +180,7 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     // In editing, a swipe uncovers delete; the place leaves the list and the store, and the
     // empty view, whose button leads to the discover feed, comes up with no Done left in the bar.
     tap(window, ui.item("barButton-edit"));
+    QTest::qWait(500); // the minus buttons slide in
     QQuickItem *saved = shownCard();
     drag(window, saved->mapToScene(QPointF(saved->width() - 40, saved->height() / 2)).toPoint(), QPoint(-250, 0));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("swipeButton-delete") && ui.item("swipeButton-delete")->isVisible(); }, 2000));
