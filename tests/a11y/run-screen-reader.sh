@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Starts the app under a virtual display with its own session bus and accessibility bus, on a
+# home holding the demo catalogue, and walks it as a screen reader's user: blind_path.py.
+# usage: run-screen-reader.sh VELMORA DEMO_DIR TRANSLATIONS.ts
+set -uo pipefail
+app=$1 demo=$2 texts=$3
+here=$(cd "$(dirname "$0")" && pwd)
+for tool in xvfb-run dbus-run-session xdotool /usr/libexec/at-spi-bus-launcher; do
+  command -v "$tool" >/dev/null || { echo "SKIP: $tool is missing (scripts/setup installs it)"; exit 77; }
+done
+/usr/bin/python3 -c "import pyatspi" 2>/dev/null || { echo "SKIP: python3-pyatspi is missing (scripts/setup installs it)"; exit 77; }
+
+home=$(mktemp -d)
+trap 'rm -rf "$home"' EXIT
+mkdir -p "$home/Documents"
+cp "$demo"/velmora-*.db "$home/Documents/"
+
+export app home here texts
+xvfb-run -a -s "-screen 0 600x900x24" dbus-run-session -- bash -c '
+  export QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
+  /usr/libexec/at-spi-bus-launcher --launch-immediately &
+  bus=$!
+  "$app" --home "$home" > "$home/app.log" 2>&1 &
+  pid=$!
+  /usr/bin/python3 "$here/blind_path.py" "$texts"
+  status=$?
+  kill $pid $bus 2>/dev/null
+  wait $pid 2>/dev/null
+  [ $status -eq 0 ] || { echo "--- the app said:"; tail -20 "$home/app.log"; }
+  exit $status
+' 2> >(grep -v "dbus-daemon\|SpiRegistry\|fd limit" >&2)
