@@ -88,6 +88,8 @@ int main(int argc, char *argv[])
     AppDelegate delegate;
     delegate.didFinishLaunching();
 
+    if (options.dumpUi)
+        prepareUiDump();
     AppWindow window(delegate);
     if (!window.load())
         return 1;

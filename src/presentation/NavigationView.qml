@@ -94,6 +94,9 @@ Item {
             id: plainTitle
             Text {
                 text: root.topController ? root.topController.title : ""
+                // The screen's name, read first and found by a reader's jump to the next heading.
+                Accessible.role: Accessible.Heading
+                Accessible.name: text
                 color: "white"
                 font: Theme.fonts.boldFont
                 fontSizeMode: Text.HorizontalFit

@@ -1,119 +1,72 @@
 #include "presentation/UiDump.h"
 
 #include <QAccessible>
-#include <QFont>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMetaEnum>
-#include <QQuickItem>
 #include <QQuickWindow>
 
 #include <algorithm>
 
 namespace {
 
-// The object QML attaches for `Accessible.*`; read through its properties, it needs no private
-// header.
-QObject *accessibleAttached(const QQuickItem *item)
-{
-    for (QObject *child : item->children())
-        if (qstrcmp(child->metaObject()->className(), "QQuickAccessibleAttached") == 0)
-            return child;
-    return nullptr;
-}
-
-QString roleName(int role)
+QString roleName(QAccessible::Role role)
 {
     const char *key = QMetaEnum::fromType<QAccessible::Role>().valueToKey(role);
     return key ? QString::fromLatin1(key) : QString::number(role);
 }
 
-// Icon-font glyphs sit in the private use area: they show, but say nothing.
-bool isGlyphsOnly(const QString &text)
+// Containers a reader passes through without a word when they have no name of their own.
+bool isSilentContainer(QAccessible::Role role)
 {
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.category() == QChar::Other_PrivateUse || c.isSpace(); });
-}
-
-// A text in the icon font draws pictures, whatever its characters.
-bool drawsIcons(const QQuickItem *item)
-{
-    const QVariant font = item->property("font");
-    return font.canConvert<QFont>() && font.value<QFont>().family().contains(QLatin1String("Icons"));
-}
-
-// The text an item shows on its own, if it is a text item.
-QString shownText(const QQuickItem *item)
-{
-    if (item->inherits("QQuickText") || item->inherits("QQuickTextInput") || item->inherits("QQuickTextEdit"))
-        return item->property("text").toString();
-    const QVariant plain = item->property("plainText"); // the rich label's
-    return plain.isValid() ? plain.toString() : QString();
-}
-
-bool takesTaps(const QQuickItem *item)
-{
-    return item->isEnabled() && (item->acceptedMouseButtons() != Qt::NoButton || item->acceptTouchEvents());
+    switch (role) {
+    case QAccessible::NoRole:
+    case QAccessible::Client:
+    case QAccessible::Pane:
+    case QAccessible::Window:
+    case QAccessible::Application:
+    case QAccessible::LayeredPane:
+    case QAccessible::Grouping:
+    case QAccessible::Section:
+        return true;
+    default:
+        return false;
+    }
 }
 
 struct Walker {
     QList<UiNode> nodes;
-    QRectF window;
+    QRect window; // in screen coordinates
 
-    void walk(QQuickItem *item, QRectF clip, bool named)
+    void walk(QAccessibleInterface *node, int depth)
     {
-        if (!item->isVisible() || item->opacity() <= 0.01)
+        if (!node || !node->isValid() || depth > 200)
             return;
-        const QRectF rect = item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
-        if (item->clip())
-            clip = clip.intersected(rect);
-        const QRectF shown = rect.intersected(clip);
-        const bool onScreen = !shown.isEmpty();
-
-        bool ignored = false;
-        QString role;
-        QString name;
-        if (QObject *attached = accessibleAttached(item)) {
-            ignored = attached->property("ignored").toBool();
-            const int accessibleRole = attached->property("role").toInt();
-            if (accessibleRole != QAccessible::NoRole) {
-                role = roleName(accessibleRole);
-                name = attached->property("name").toString();
-            }
-        }
-        if (!ignored && onScreen) {
-            const QString text = shownText(item);
-            if (!role.isEmpty()) {
-                if (name.isEmpty() && !text.isEmpty() && !isGlyphsOnly(text) && !drawsIcons(item))
-                    name = text;
-                nodes.append({role, name, shown});
-                named = named || !name.isEmpty();
-            } else if (!text.trimmed().isEmpty() && !named) {
-                nodes.append({roleName(QAccessible::StaticText), isGlyphsOnly(text) || drawsIcons(item) ? QString() : text, shown});
-            } else if (takesTaps(item) && !named) {
-                nodes.append({roleName(QAccessible::Button), QString(), shown});
-            }
-        }
-        // A stack of screens shows only its top one; those below stay visible, covered by it.
-        if (item->inherits("QQuickStackView")) {
-            if (auto *top = item->property("currentItem").value<QQuickItem *>())
-                walk(top, clip, named);
+        // What isn't shown isn't read, and neither is anything inside it.
+        if (node->state().invisible)
             return;
-        }
-        for (QQuickItem *child : item->childItems())
-            walk(child, clip, named);
+        const QRect rect = node->rect();
+        const QString name = node->text(QAccessible::Name);
+        const QAccessible::Role role = node->role();
+        if (rect.intersects(window) && !(isSilentContainer(role) && name.isEmpty()))
+            nodes.append({roleName(role), name, QRectF(rect.translated(-window.topLeft()).intersected(QRect(QPoint(), window.size())))});
+        for (int i = 0; i < node->childCount(); ++i)
+            walk(node->child(i), depth + 1);
     }
 };
 
 }
+
+void prepareUiDump() { QAccessible::setActive(true); }
 
 QList<UiNode> dumpUi(QQuickWindow *window)
 {
     Walker walker;
     if (!window)
         return walker.nodes;
-    walker.window = QRectF(0, 0, window->width(), window->height());
-    walker.walk(window->contentItem(), walker.window, false);
+    walker.window = QRect(window->mapToGlobal(QPoint(0, 0)), window->size());
+    walker.walk(QAccessible::queryAccessibleInterface(window), 0);
     // Reading order: top to bottom, then left to right within a line.
     std::stable_sort(walker.nodes.begin(), walker.nodes.end(), [](const UiNode &a, const UiNode &b) {
         const int ay = qRound(a.rect.y()), by = qRound(b.rect.y());

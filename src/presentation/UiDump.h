@@ -8,15 +8,19 @@
 class QQuickItem;
 class QQuickWindow;
 
-// What assistive technology would find on screen: every visible item that has an accessible
-// name or shows text, in reading order. A control or glyph a user can see but that nothing
-// names comes with an empty name, so that a test can refuse it.
+// What assistive technology finds on screen: the window's accessible objects, the very tree a
+// screen reader gets over the accessibility bus, those shown in the window, in reading order.
+// Unnamed containers are left out; anything else without a name comes with an empty one, so that
+// a test can refuse it.
 struct UiNode {
     QString role; // QAccessible's role name: "Button", "StaticText", "ListItem"...
     QString name;
     QRectF rect;  // in the window
 };
 
+// Turns accessibility on, as a screen reader does; call before the window is made, so that its
+// items make their accessible objects as they are created.
+void prepareUiDump();
 QList<UiNode> dumpUi(QQuickWindow *window);
 // One JSON array: {"role", "name", "x", "y", "w", "h"} per node.
 QByteArray uiDumpJson(const QList<UiNode> &nodes);
