@@ -28,6 +28,8 @@ Rectangle {
         view.z = 0
         view.width = Qt.binding(function () { return holder.width })
         view.height = Qt.binding(function () { return holder.height })
+        // The keys go to the map as it shows: arrows pan, + and - zoom.
+        view.forceActiveFocus()
     }
     Connections {
         target: root.controller

@@ -4,6 +4,7 @@
 #include "map/MapViewDelegate.h"
 
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLoggingCategory>
 #include <QQuickWindow>
 #include <QSGImageNode>
@@ -59,6 +60,7 @@ MapView::MapView(QQuickItem *parent)
     setAcceptedMouseButtons(Qt::LeftButton);
     setAcceptTouchEvents(true);
     setClip(true);
+    setActiveFocusOnTab(true);
 }
 
 MapView::~MapView() = default;
@@ -425,6 +427,31 @@ void MapView::mouseUngrabEvent()
         m_dragging = false;
         endRegionChange();
     }
+}
+
+void MapView::keyPressEvent(QKeyEvent *event)
+{
+    const QPointF middle(width() / 2, height() / 2);
+    const QPointF step(width() / 5, height() / 5);
+    QPointF by; // how far the map's content moves on screen
+    double zoom = 0;
+    switch (event->key()) {
+    case Qt::Key_Left: by = QPointF(step.x(), 0); break;
+    case Qt::Key_Right: by = QPointF(-step.x(), 0); break;
+    case Qt::Key_Up: by = QPointF(0, step.y()); break;
+    case Qt::Key_Down: by = QPointF(0, -step.y()); break;
+    case Qt::Key_Plus:
+    case Qt::Key_Equal: zoom = 1; break;
+    case Qt::Key_Minus: zoom = -1; break;
+    default: event->ignore(); return;
+    }
+    beginRegionChange();
+    if (zoom != 0)
+        zoomAt(middle, zoom);
+    else
+        setCamera(m_camera.center - by / m_camera.scale(), m_camera.zoom);
+    endRegionChange();
+    event->accept();
 }
 
 void MapView::wheelEvent(QWheelEvent *event)

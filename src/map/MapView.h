@@ -132,6 +132,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseUngrabEvent() override;
     void wheelEvent(QWheelEvent *event) override;
+    // The keyboard's map: arrows pan by a fifth of the view, + and - zoom by one level.
+    void keyPressEvent(QKeyEvent *event) override;
     void touchEvent(QTouchEvent *event) override;
 
 private:

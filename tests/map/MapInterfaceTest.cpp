@@ -79,6 +79,15 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     EXPECT_NEAR(demo.view()->visibleRegion().zoomLevel, beforePinch.zoomLevel + 1.0, 0.05);
     EXPECT_NEAR(demo.view()->visibleRegion().longitude, beforePinch.longitude, 0.05);
 
+    // The keyboard: the map has the keys as it shows; an arrow pans, + and - zoom by a level.
+    const CoordinateRegion beforeKeys = demo.view()->visibleRegion();
+    QTest::keyClick(window, Qt::Key_Right);
+    EXPECT_GT(demo.view()->visibleRegion().longitude, beforeKeys.longitude + 0.1);
+    QTest::keyClick(window, Qt::Key_Plus);
+    EXPECT_NEAR(demo.view()->visibleRegion().zoomLevel, beforeKeys.zoomLevel + 1.0, 0.01);
+    QTest::keyClick(window, Qt::Key_Minus);
+    EXPECT_NEAR(demo.view()->visibleRegion().zoomLevel, beforeKeys.zoomLevel, 0.01);
+
     // Two wheel steps closer, the provinces are named at their capitals.
     QWheelEvent wheel(QPointF(195, 400), window->mapToGlobal(QPointF(195, 400)), {}, QPoint(0, 240), Qt::NoButton, {}, Qt::NoScrollPhase, false);
     demo.view()->setVisibleRegion({22.3, -80.6, 6.0f});
