@@ -49,6 +49,19 @@ SwipeDelegate {
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: open()
     Keys.onEnterPressed: open()
+    // Up and down move the keys card by card through the whole list, past the cards made so far.
+    function moveFocus(by) {
+        const view = ListView.view
+        const target = index + by
+        if (!view || target < 0 || target >= view.count)
+            return
+        view.positionViewAtIndex(target, ListView.Contain)
+        const next = view.itemAtIndex(target)
+        if (next)
+            next.forceActiveFocus(Qt.TabFocusReason)
+    }
+    Keys.onDownPressed: moveFocus(1)
+    Keys.onUpPressed: moveFocus(-1)
     onActiveFocusChanged: if (activeFocus && ListView.view) ListView.view.positionViewAtIndex(index, ListView.Contain)
     swipe.enabled: card.list !== null
     Connections {

@@ -428,9 +428,17 @@ TEST(MainInterface, TabAndReturnOpenTheMenuAndAPlace)
     QTest::keyClick(window, Qt::Key_Tab); // the search button
     QTest::keyClick(window, Qt::Key_Tab);
     ASSERT_TRUE(focused().startsWith(QLatin1String("placeCard-"))) << focused().toStdString();
-    const int placeId = focused().mid(int(qstrlen("placeCard-"))).toInt();
     QQuickItem *first = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible(); });
     EXPECT_EQ(window->activeFocusItem(), first) << "the first card in reading order";
+    // Down walks the list past the cards on screen, which scrolls along; Up comes back a card.
+    for (int i = 0; i < 12; ++i)
+        QTest::keyClick(window, Qt::Key_Down);
+    ASSERT_EQ(window->activeFocusItem()->property("index").toInt(), 12);
+    const QRectF shown = window->activeFocusItem()->mapRectToScene(window->activeFocusItem()->boundingRect());
+    EXPECT_TRUE(QRectF(0, 0, window->width(), window->height()).contains(shown)) << "the card with the keys is in view";
+    QTest::keyClick(window, Qt::Key_Up);
+    ASSERT_EQ(window->activeFocusItem()->property("index").toInt(), 11);
+    const int placeId = focused().mid(int(qstrlen("placeCard-"))).toInt();
     QTest::keyClick(window, Qt::Key_Return);
     ASSERT_TRUE(QTest::qWaitFor([&] {
         auto *card = qobject_cast<LugarTableViewController *>(ui.delegate->mainNavigation()->topViewController());
