@@ -31,6 +31,11 @@ Item {
             Accessible.name: logo ? "Velmora" : (titleLabel.plainText + (badge !== "" ? " (" + badge + ")" : ""))
             Accessible.selected: selected
             Accessible.onPressAction: root.menu.tableVC.didSelectRow(row.index)
+            activeFocusOnTab: !row.logo
+            Keys.onReturnPressed: root.menu.tableVC.didSelectRow(row.index)
+            Keys.onEnterPressed: root.menu.tableVC.didSelectRow(row.index)
+            Keys.onSpacePressed: root.menu.tableVC.didSelectRow(row.index)
+            FocusRing { }
 
             Rectangle {
                 id: flash

@@ -55,6 +55,10 @@ Rectangle {
                 Accessible.name: modelData
                 Accessible.selected: root.controller && root.controller.page === index
                 Accessible.onPressAction: root.controller.page = index
+                activeFocusOnTab: true
+                Keys.onSpacePressed: root.controller.page = index
+                Keys.onReturnPressed: root.controller.page = index
+                FocusRing { ringColor: root.chosenColor }
                 Text {
                     anchors.centerIn: parent
                     text: parent.modelData
@@ -86,6 +90,9 @@ Rectangle {
             : [root.controller.locationVC, root.controller.cuisinesVC, root.controller.priceVC][root.controller.page]
         readonly property bool prices: root.controller !== null && root.controller.page === 2
         model: page ? page.rows : []
+        // A tick remakes the rows; the row ticked by the keys takes them back once remade.
+        property int keyRow: -1
+        function tickByKeys(index) { keyRow = index; page.didSelectRow(index) }
         Accessible.role: Accessible.List
         Accessible.name: qsTrId("filters_title")
         delegate: Item {
@@ -102,6 +109,12 @@ Rectangle {
             // A screen reader's toggle or press is the finger's tap.
             Accessible.onToggleAction: rows.page.didSelectRow(row.index)
             Accessible.onPressAction: rows.page.didSelectRow(row.index)
+            // The keys: Space or Return ticks, as a tap does.
+            activeFocusOnTab: true
+            Keys.onSpacePressed: rows.tickByKeys(row.index)
+            Keys.onReturnPressed: rows.tickByKeys(row.index)
+            Component.onCompleted: if (rows.keyRow === index) forceActiveFocus(Qt.TabFocusReason)
+            FocusRing { ringColor: root.chosenColor }
             // The price ranges' connectors join neighbouring chosen ranges into one.
             Rectangle {
                 visible: rows.prices && row.modelData.top !== "hidden"
@@ -134,7 +147,7 @@ Rectangle {
                 width: parent.width - x; height: 1
                 color: "#f0ede8"
             }
-            MouseArea { anchors.fill: parent; onClicked: rows.page.didSelectRow(row.index) }
+            MouseArea { anchors.fill: parent; onClicked: { rows.keyRow = -1; rows.page.didSelectRow(row.index) } }
         }
     }
 
@@ -148,6 +161,10 @@ Rectangle {
         Accessible.role: Accessible.Button
         Accessible.name: qsTrId("filters_filter_action")
         Accessible.onPressAction: root.controller.close()
+        activeFocusOnTab: true
+        Keys.onSpacePressed: root.controller.close()
+        Keys.onReturnPressed: root.controller.close()
+        FocusRing { }
         Text {
             anchors.centerIn: parent
             text: qsTrId("filters_filter_action")

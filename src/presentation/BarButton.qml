@@ -19,14 +19,7 @@ Item {
     Keys.onEnterPressed: button.item.trigger()
     Keys.onSpacePressed: button.item.trigger()
 
-    Rectangle {
-        objectName: "focusRing"
-        anchors { fill: parent; margins: 3 }
-        radius: 6
-        color: "transparent"
-        border { width: 2; color: "white" }
-        visible: button.activeFocus
-    }
+    FocusRing { }
 
     Rectangle {
         anchors.centerIn: parent

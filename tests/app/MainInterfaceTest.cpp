@@ -448,3 +448,45 @@ TEST(MainInterface, TabAndReturnOpenTheMenuAndAPlace)
     QTest::keyClick(window, Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 1; }, 2000));
 }
+
+// Catches a filters panel or side menu a keyboard can't work: Tab reaches a filter's row and
+// Space ticks it, Return on "Show places" closes the panel; in the open menu Tab reaches My places
+// and Return opens it.
+TEST(MainInterface, TheKeysTickAFilterAndPickAMenuRow)
+{
+    DemoWindow ui;
+    QQuickWindow *window = ui.window->window();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    NavigationController &navigation = *ui.delegate->mainNavigation();
+    const auto focused = [&] { return window->activeFocusItem() ? window->activeFocusItem()->objectName() : QString(); };
+    const auto tabTo = [&](const QString &prefix) {
+        for (int i = 0; i < 40 && !focused().startsWith(prefix); ++i)
+            QTest::keyClick(window, Qt::Key_Tab);
+        return focused().startsWith(prefix);
+    };
+
+    tap(window, ui.item("barButton-search"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-filter") != nullptr; }, 2000));
+    tap(window, ui.item("barButton-filter"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.presentedViewController() != nullptr && ui.item("filterRow-1"); }, 2000));
+    QTest::qWait(400);
+    ASSERT_TRUE(tabTo(QStringLiteral("filterRow-")));
+    const QString row = focused();
+    const auto checked = [&] { return QAccessible::queryAccessibleInterface(ui.item(qPrintable(row)))->state().checked; };
+    const bool ticked = checked();
+    EXPECT_TRUE(findItem(window->activeFocusItem(), QStringLiteral("focusRing"))->isVisible());
+    QTest::keyClick(window, Qt::Key_Space);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return checked() != ticked; }, 2000));
+    EXPECT_EQ(focused(), row) << "the ticked row keeps the keys";
+    ASSERT_TRUE(tabTo(QStringLiteral("filterButton")));
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.presentedViewController() == nullptr; }, 2000));
+    QTest::keyClick(window, Qt::Key_Escape); // leaves search
+
+    tap(window, ui.item("barButton-menu"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->drawer()->isMenuVisible(); }, 2000));
+    QTest::qWait(400);
+    ASSERT_TRUE(tabTo(QStringLiteral("menuRow-myplaces")));
+    QTest::keyClick(window, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesView") && ui.item("myPlacesView")->isVisible(); }, 3000));
+}
