@@ -553,7 +553,7 @@ links: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXT,
     </message>
     <message id="a11y_drawer">
         <source>a11y_drawer</source>
-        <translation>Content, swipe to open the menu</translation>
+        <translation>Close the menu</translation>
     </message>
     <message id="a11y_phone_numbers">
         <source>a11y_phone_numbers</source>

@@ -554,7 +554,7 @@ enlaces: velmora://place/ID, velmora://province/ID, velmora://search?q=TEXTO,
     </message>
     <message id="a11y_drawer">
         <source>a11y_drawer</source>
-        <translation>Contenido, desliza para abrir el menú</translation>
+        <translation>Cerrar el menú</translation>
     </message>
     <message id="a11y_phone_numbers">
         <source>a11y_phone_numbers</source>

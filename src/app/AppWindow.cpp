@@ -6,6 +6,7 @@
 #include "platform/Localize.h"
 #include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
+#include "presentation/KeyboardAccess.h"
 #include "richtext/ApplicationFonts.h"
 
 #include <QFont>
@@ -43,6 +44,7 @@ bool AppWindow::load()
         qCCritical(lcApp) << "The main window could not be created";
         return false;
     }
+    new KeyboardAccess(window());
     return true;
 }
 

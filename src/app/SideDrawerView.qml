@@ -52,10 +52,14 @@ Item {
             }
         }
 
-        NavigationView {
+        // With the menu open, the content behind it is not read and takes no keys.
+        Covered {
             anchors.fill: parent
-            navigation: root.drawer.contentController
-            enabled: root.drawer.contentInteractive
+            covered: !root.drawer.contentInteractive
+            NavigationView {
+                anchors.fill: parent
+                navigation: root.drawer.contentController
+            }
         }
 
         // The tap and pan recognizers exist only while the drawer is open.
@@ -63,9 +67,11 @@ Item {
             objectName: "drawerRecognizers"
             anchors.fill: parent
             enabled: root.drawer.recognizersAttached
-            Accessible.role: Accessible.Pane
+            // Over the content while the menu is open: a reader's press closes the menu, as a tap does.
+            Accessible.role: Accessible.Button
             Accessible.name: qsTrId("a11y_drawer")
             Accessible.ignored: !enabled
+            Accessible.onPressAction: root.drawer.tapRecognized()
             property real startX: 0
             property real startOffset: 0
             property real lastX: 0

@@ -35,7 +35,6 @@ Item {
             Keys.onReturnPressed: root.menu.tableVC.didSelectRow(row.index)
             Keys.onEnterPressed: root.menu.tableVC.didSelectRow(row.index)
             Keys.onSpacePressed: root.menu.tableVC.didSelectRow(row.index)
-            FocusRing { }
 
             Rectangle {
                 id: flash

@@ -58,7 +58,6 @@ Rectangle {
                 activeFocusOnTab: true
                 Keys.onSpacePressed: root.controller.page = index
                 Keys.onReturnPressed: root.controller.page = index
-                FocusRing { ringColor: root.chosenColor }
                 Text {
                     anchors.centerIn: parent
                     text: parent.modelData
@@ -114,7 +113,6 @@ Rectangle {
             Keys.onSpacePressed: rows.tickByKeys(row.index)
             Keys.onReturnPressed: rows.tickByKeys(row.index)
             Component.onCompleted: if (rows.keyRow === index) forceActiveFocus(Qt.TabFocusReason)
-            FocusRing { ringColor: root.chosenColor }
             // The price ranges' connectors join neighbouring chosen ranges into one.
             Rectangle {
                 visible: rows.prices && row.modelData.top !== "hidden"
@@ -164,7 +162,6 @@ Rectangle {
         activeFocusOnTab: true
         Keys.onSpacePressed: root.controller.close()
         Keys.onReturnPressed: root.controller.close()
-        FocusRing { }
         Text {
             anchors.centerIn: parent
             text: qsTrId("filters_filter_action")

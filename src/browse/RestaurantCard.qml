@@ -88,12 +88,15 @@ SwipeDelegate {
             id: minus
             objectName: "minusButton"
             x: card.list && card.list.customEditing ? 12 : -width
+            // Off the card's left edge it is gone, for a reader too, not only out of sight.
+            visible: x > -width
             Behavior on x { NumberAnimation { duration: 300 } }
             anchors.verticalCenter: parent.verticalCenter
             width: 22; height: 22; radius: 11
             color: "#e0322b"
             Accessible.role: Accessible.Button
             Accessible.name: qsTrId("a11y_delete")
+            Accessible.onPressAction: card.swipe.open(SwipeDelegate.Right)
             Rectangle { anchors.centerIn: parent; width: 12; height: 2.5; radius: 1; color: "white" }
             MouseArea { anchors { fill: parent; margins: -8 } onClicked: card.swipe.open(SwipeDelegate.Right) }
         }

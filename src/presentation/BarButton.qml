@@ -19,7 +19,6 @@ Item {
     Keys.onEnterPressed: button.item.trigger()
     Keys.onSpacePressed: button.item.trigger()
 
-    FocusRing { }
 
     Rectangle {
         anchors.centerIn: parent

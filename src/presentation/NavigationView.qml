@@ -52,67 +52,72 @@ Item {
     }
     Component.onCompleted: sync()
 
-    Rectangle {
-        id: bar
-        objectName: "navigationBar"
-        width: parent.width
-        height: root.topController && root.topController.navigationBarHidden ? 0 : 56
-        visible: height > 0
-        color: root.topPage && root.topPage.barColor !== undefined ? root.topPage.barColor : Theme.colors.barTintColor
-        z: 2
+    // A presented sheet or panel covers the bar and the stack: a reader and the keys stay on it.
+    Covered {
+        anchors.fill: parent
+        covered: sheet.item !== null
+        Rectangle {
+            id: bar
+            objectName: "navigationBar"
+            width: parent.width
+            height: root.topController && root.topController.navigationBarHidden ? 0 : 56
+            visible: height > 0
+            color: root.topPage && root.topPage.barColor !== undefined ? root.topPage.barColor : Theme.colors.barTintColor
+            z: 2
 
-        Row {
-            id: leftItems
-            anchors { left: parent.left; leftMargin: 6; verticalCenter: parent.verticalCenter }
-            Repeater {
-                model: root.topController ? root.topController.leftItems : []
-                BarButton { required property var modelData; item: modelData }
+            Row {
+                id: leftItems
+                anchors { left: parent.left; leftMargin: 6; verticalCenter: parent.verticalCenter }
+                Repeater {
+                    model: root.topController ? root.topController.leftItems : []
+                    BarButton { required property var modelData; item: modelData }
+                }
+            }
+            Row {
+                id: rightItems
+                anchors { right: parent.right; rightMargin: 6; verticalCenter: parent.verticalCenter }
+                Repeater {
+                    model: root.topController ? root.topController.rightItems : []
+                    BarButton { required property var modelData; item: modelData }
+                }
+            }
+            // The title keeps the same room on both sides, so it stands in the bar's middle whatever
+            // buttons one side has and the other lacks.
+            Loader {
+                id: titleLoader
+                objectName: "navigationTitle"
+                readonly property real side: Math.max(leftItems.width + leftItems.anchors.leftMargin,
+                                                      rightItems.width + rightItems.anchors.rightMargin) + 4
+                anchors {
+                    left: parent.left; leftMargin: side; right: parent.right; rightMargin: side
+                    top: parent.top; bottom: parent.bottom
+                }
+                sourceComponent: root.topPage && root.topPage.titleView ? root.topPage.titleView : plainTitle
+            }
+            Component {
+                id: plainTitle
+                Text {
+                    text: root.topController ? root.topController.title : ""
+                    // The screen's name, read first and found by a reader's jump to the next heading.
+                    Accessible.role: Accessible.Heading
+                    Accessible.name: text
+                    color: "white"
+                    font: Theme.fonts.boldFont
+                    fontSizeMode: Text.HorizontalFit
+                    minimumPixelSize: 11
+                    horizontalAlignment: Text.AlignHCenter
+                    verticalAlignment: Text.AlignVCenter
+                    elide: Text.ElideRight
+                }
             }
         }
-        Row {
-            id: rightItems
-            anchors { right: parent.right; rightMargin: 6; verticalCenter: parent.verticalCenter }
-            Repeater {
-                model: root.topController ? root.topController.rightItems : []
-                BarButton { required property var modelData; item: modelData }
-            }
-        }
-        // The title keeps the same room on both sides, so it stands in the bar's middle whatever
-        // buttons one side has and the other lacks.
-        Loader {
-            id: titleLoader
-            objectName: "navigationTitle"
-            readonly property real side: Math.max(leftItems.width + leftItems.anchors.leftMargin,
-                                                  rightItems.width + rightItems.anchors.rightMargin) + 4
-            anchors {
-                left: parent.left; leftMargin: side; right: parent.right; rightMargin: side
-                top: parent.top; bottom: parent.bottom
-            }
-            sourceComponent: root.topPage && root.topPage.titleView ? root.topPage.titleView : plainTitle
-        }
-        Component {
-            id: plainTitle
-            Text {
-                text: root.topController ? root.topController.title : ""
-                // The screen's name, read first and found by a reader's jump to the next heading.
-                Accessible.role: Accessible.Heading
-                Accessible.name: text
-                color: "white"
-                font: Theme.fonts.boldFont
-                fontSizeMode: Text.HorizontalFit
-                minimumPixelSize: 11
-                horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
-                elide: Text.ElideRight
-            }
-        }
-    }
 
-    StackView {
-        id: stack
-        anchors { top: bar.bottom; left: parent.left; right: parent.right; bottom: parent.bottom }
-        // Unclipped above, so a page can draw under a bar it makes translucent.
-        clip: false
+        StackView {
+            id: stack
+            anchors { top: bar.bottom; left: parent.left; right: parent.right; bottom: parent.bottom }
+            // Unclipped above, so a page can draw under a bar it makes translucent.
+            clip: false
+        }
     }
 
     // A presented screen over the dimmed stack, from the edge its presentation names: a sheet
@@ -129,6 +134,7 @@ Item {
         visible: opacity > 0
         Accessible.role: Accessible.Button
         Accessible.name: qsTrId("a11y_dim")
+        Accessible.onPressAction: root.navigation.dismissViewController(true)
         Behavior on opacity { NumberAnimation { duration: root.motion } }
         // A tap, or a swipe towards the edge the sheet came from, closes it.
         MouseArea {

@@ -415,19 +415,23 @@ TEST(MainInterface, TabAndReturnOpenTheMenuAndAPlace)
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
-    const auto focused = [&] { return window->activeFocusItem() ? window->activeFocusItem()->objectName() : QString(); };
+    const auto focused = [&] { return focusedName(window); };
 
     QTest::keyClick(window, Qt::Key_Tab);
     ASSERT_EQ(focused(), QStringLiteral("barButton-menu"));
-    EXPECT_TRUE(findItem(window->activeFocusItem(), QStringLiteral("focusRing"))->isVisible());
+    EXPECT_TRUE(ringOnFocus(window));
     QTest::keyClick(window, Qt::Key_Return);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->drawer()->isMenuVisible(); }, 2000));
     QTest::keyClick(window, Qt::Key_Escape);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !ui.delegate->drawer()->isMenuVisible(); }, 2000));
 
-    QTest::keyClick(window, Qt::Key_Tab); // the search button
+    // Reading order: the bar from left to right (menu, province, search), then the first card.
+    QTest::keyClick(window, Qt::Key_Tab);
+    QTest::keyClick(window, Qt::Key_Tab);
+    EXPECT_EQ(focused(), QStringLiteral("barButton-search"));
     QTest::keyClick(window, Qt::Key_Tab);
     ASSERT_TRUE(focused().startsWith(QLatin1String("placeCard-"))) << focused().toStdString();
+    EXPECT_TRUE(ringOnFocus(window));
     QQuickItem *first = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible(); });
     EXPECT_EQ(window->activeFocusItem(), first) << "the first card in reading order";
     // Down walks the list past the cards on screen, which scrolls along; Up comes back a card.
@@ -458,27 +462,22 @@ TEST(MainInterface, TheKeysTickAFilterAndPickAMenuRow)
     QQuickWindow *window = ui.window->window();
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
     NavigationController &navigation = *ui.delegate->mainNavigation();
-    const auto focused = [&] { return window->activeFocusItem() ? window->activeFocusItem()->objectName() : QString(); };
-    const auto tabTo = [&](const QString &prefix) {
-        for (int i = 0; i < 40 && !focused().startsWith(prefix); ++i)
-            QTest::keyClick(window, Qt::Key_Tab);
-        return focused().startsWith(prefix);
-    };
+    const auto focused = [&] { return focusedName(window); };
 
     tap(window, ui.item("barButton-search"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("barButton-filter") != nullptr; }, 2000));
     tap(window, ui.item("barButton-filter"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.presentedViewController() != nullptr && ui.item("filterRow-1"); }, 2000));
     QTest::qWait(400);
-    ASSERT_TRUE(tabTo(QStringLiteral("filterRow-")));
+    ASSERT_TRUE(tabTo(window, QStringLiteral("filterRow-")));
     const QString row = focused();
     const auto checked = [&] { return QAccessible::queryAccessibleInterface(ui.item(qPrintable(row)))->state().checked; };
     const bool ticked = checked();
-    EXPECT_TRUE(findItem(window->activeFocusItem(), QStringLiteral("focusRing"))->isVisible());
+    EXPECT_TRUE(ringOnFocus(window));
     QTest::keyClick(window, Qt::Key_Space);
     EXPECT_TRUE(QTest::qWaitFor([&] { return checked() != ticked; }, 2000));
     EXPECT_EQ(focused(), row) << "the ticked row keeps the keys";
-    ASSERT_TRUE(tabTo(QStringLiteral("filterButton")));
+    ASSERT_TRUE(tabTo(window, QStringLiteral("filterButton")));
     QTest::keyClick(window, Qt::Key_Return);
     ASSERT_TRUE(QTest::qWaitFor([&] { return navigation.presentedViewController() == nullptr; }, 2000));
     QTest::keyClick(window, Qt::Key_Escape); // leaves search
@@ -486,7 +485,7 @@ TEST(MainInterface, TheKeysTickAFilterAndPickAMenuRow)
     tap(window, ui.item("barButton-menu"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->drawer()->isMenuVisible(); }, 2000));
     QTest::qWait(400);
-    ASSERT_TRUE(tabTo(QStringLiteral("menuRow-myplaces")));
+    ASSERT_TRUE(tabTo(window, QStringLiteral("menuRow-myplaces")));
     QTest::keyClick(window, Qt::Key_Return);
     EXPECT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesView") && ui.item("myPlacesView")->isVisible(); }, 3000));
 }

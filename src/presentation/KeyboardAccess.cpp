@@ -1,0 +1,186 @@
+#include "presentation/KeyboardAccess.h"
+
+#include "presentation/AccessibleTree.h"
+#include "presentation/FocusRingItem.h"
+
+#include <QAccessible>
+#include <QKeyEvent>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+namespace {
+
+QQuickItem *itemOf(QAccessibleInterface *node) { return qobject_cast<QQuickItem *>(node ? node->object() : nullptr); }
+
+// The controls the keys can stop on, as the reader lists them; a control must stand mostly in
+// the window to be a stop.
+QList<QQuickItem *> keyboardStops(QQuickWindow *window)
+{
+    QList<QQuickItem *> stops;
+    const QRect area(QPoint(), window->size());
+    for (const ShownAccessible &shown : shownAccessibles(window)) {
+        QQuickItem *item = itemOf(shown.node);
+        if (item && area.contains(shown.rect.center()) && !shown.rect.isEmpty() && isKeyboardStop(shown.node))
+            stops.append(item);
+    }
+    return stops;
+}
+
+bool holds(QQuickItem *stop, QQuickItem *focus) { return stop == focus || stop->isAncestorOf(focus); }
+
+// Scrolls the nearest list or page so that the whole control shows.
+void bringIntoView(QQuickItem *item)
+{
+    for (QQuickItem *view = item->parentItem(); view; view = view->parentItem()) {
+        if (!view->inherits("QQuickFlickable"))
+            continue;
+        const QRectF rect = item->mapRectToItem(view, item->boundingRect());
+        const qreal contentY = view->property("contentY").toReal();
+        if (rect.top() < 0)
+            view->setProperty("contentY", contentY + rect.top());
+        else if (rect.bottom() > view->height())
+            view->setProperty("contentY", contentY + std::min(rect.bottom() - view->height(), rect.top()));
+        return;
+    }
+}
+
+bool doAction(QAccessibleInterface *node)
+{
+    QAccessibleActionInterface *actions = node ? node->actionInterface() : nullptr;
+    if (!actions)
+        return false;
+    const QStringList names = actions->actionNames();
+    const bool togglable = node->role() == QAccessible::CheckBox || node->role() == QAccessible::RadioButton;
+    const QString action = togglable && names.contains(QAccessibleActionInterface::toggleAction())
+        ? QAccessibleActionInterface::toggleAction()
+        : names.contains(QAccessibleActionInterface::pressAction()) ? QAccessibleActionInterface::pressAction()
+                                                                     : QAccessibleActionInterface::toggleAction();
+    if (!names.contains(action))
+        return false;
+    actions->doAction(action);
+    return true;
+}
+
+bool plainKey(const QKeyEvent *key) { return !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)); }
+
+}
+
+KeyboardAccess::KeyboardAccess(QQuickWindow *window)
+    : QObject(window)
+    , m_window(window)
+    , m_ring(new FocusRingItem(window->contentItem()))
+{
+    window->installEventFilter(this);
+    // Keys no control took end at the window's root item.
+    window->contentItem()->installEventFilter(this);
+    connect(window, &QQuickWindow::activeFocusItemChanged, this, &KeyboardAccess::placeRing);
+    // Lists scroll and screens slide under the ring; it follows them frame by frame.
+    connect(window, &QQuickWindow::afterAnimating, this, [this] {
+        if (m_keyboardInUse)
+            placeRing();
+    });
+}
+
+KeyboardAccess::~KeyboardAccess() = default;
+
+QQuickItem *KeyboardAccess::ring() const { return m_ring; }
+
+bool KeyboardAccess::moveFocus(bool forward)
+{
+    const QList<QQuickItem *> stops = keyboardStops(m_window);
+    if (stops.isEmpty())
+        return false;
+    // The first key after a tap starts from the top: whatever a list gave the focus to unseen
+    // is no place to start from.
+    QQuickItem *focus = m_keyboardInUse ? m_window->activeFocusItem() : nullptr;
+    qsizetype at = -1;
+    for (qsizetype i = 0; focus && i < stops.size() && at < 0; ++i)
+        if (holds(stops[i], focus))
+            at = i;
+    const qsizetype next = at < 0 ? (forward ? 0 : stops.size() - 1) : (at + (forward ? 1 : stops.size() - 1)) % stops.size();
+    stops[next]->forceActiveFocus(Qt::TabFocusReason);
+    bringIntoView(stops[next]);
+    showRing(true);
+    return true;
+}
+
+bool KeyboardAccess::activateFocused()
+{
+    QQuickItem *focus = m_window->activeFocusItem();
+    if (!focus)
+        return false;
+    // The control is the focused item or holds it; a list's own key handling may instead have
+    // given the keys to a row that holds the control.
+    for (QQuickItem *item = focus; item; item = item->parentItem()) {
+        QAccessibleInterface *node = QAccessible::queryAccessibleInterface(item);
+        if (isKeyboardStop(node))
+            return node->role() != QAccessible::EditableText && doAction(node);
+    }
+    for (QQuickItem *stop : keyboardStops(m_window))
+        if (focus->isAncestorOf(stop))
+            return doAction(QAccessible::queryAccessibleInterface(stop));
+    return false;
+}
+
+bool KeyboardAccess::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::TouchBegin:
+        if (watched == m_window)
+            showRing(false);
+        return false;
+    case QEvent::KeyPress:
+        break;
+    default:
+        return false;
+    }
+    auto *key = static_cast<QKeyEvent *>(event);
+    if (watched == m_window) {
+        // Tab is ours before any control sees it: no text field types it, every screen walks.
+        if (plainKey(key) && (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab)) {
+            const bool forward = key->key() == Qt::Key_Tab && !(key->modifiers() & Qt::ShiftModifier);
+            moveFocus(forward);
+            return true;
+        }
+        showRing(true);
+        return false;
+    }
+    if (!plainKey(key))
+        return false;
+    switch (key->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        return activateFocused();
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        return moveFocus(key->key() == Qt::Key_Down);
+    default:
+        return false;
+    }
+}
+
+void KeyboardAccess::showRing(bool shown)
+{
+    if (m_keyboardInUse == shown)
+        return;
+    m_keyboardInUse = shown;
+    placeRing();
+}
+
+void KeyboardAccess::placeRing()
+{
+    QQuickItem *focus = m_window ? m_window->activeFocusItem() : nullptr;
+    const bool shown = m_keyboardInUse && focus && focus != m_window->contentItem() && focus->isVisible()
+        && focus->width() > 0 && focus->height() > 0;
+    m_ring->setVisible(shown);
+    if (!shown)
+        return;
+    const QRectF rect = focus->mapRectToItem(m_window->contentItem(), focus->boundingRect());
+    if (m_ring->position() != rect.topLeft() || m_ring->size() != rect.size()) {
+        m_ring->setPosition(rect.topLeft());
+        m_ring->setSize(rect.size());
+        m_ring->update();
+    }
+}
