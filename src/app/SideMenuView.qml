@@ -32,9 +32,6 @@ Item {
             Accessible.selected: selected
             Accessible.onPressAction: root.menu.tableVC.didSelectRow(row.index)
             activeFocusOnTab: !row.logo
-            Keys.onReturnPressed: root.menu.tableVC.didSelectRow(row.index)
-            Keys.onEnterPressed: root.menu.tableVC.didSelectRow(row.index)
-            Keys.onSpacePressed: root.menu.tableVC.didSelectRow(row.index)
 
             Rectangle {
                 id: flash

@@ -13,6 +13,10 @@ Rectangle {
     readonly property color idleColor: "#A29476"
     readonly property color idleIconColor: "#f0ede8"
 
+    // Left and Right turn the pages, as the page buttons do.
+    Keys.onLeftPressed: if (controller.page > 0) controller.page = controller.page - 1
+    Keys.onRightPressed: if (controller.page < 2) controller.page = controller.page + 1
+
     Rectangle {
         id: header
         width: parent.width
@@ -21,6 +25,8 @@ Rectangle {
         Text {
             anchors { left: parent.left; leftMargin: 14; verticalCenter: parent.verticalCenter }
             text: qsTrId("filters_title")
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
             font: Theme.font("OpenSans-Semibold", 16)
             color: "white"
         }
@@ -56,8 +62,6 @@ Rectangle {
                 Accessible.selected: root.controller && root.controller.page === index
                 Accessible.onPressAction: root.controller.page = index
                 activeFocusOnTab: true
-                Keys.onSpacePressed: root.controller.page = index
-                Keys.onReturnPressed: root.controller.page = index
                 Text {
                     anchors.centerIn: parent
                     text: parent.modelData
@@ -160,8 +164,6 @@ Rectangle {
         Accessible.name: qsTrId("filters_filter_action")
         Accessible.onPressAction: root.controller.close()
         activeFocusOnTab: true
-        Keys.onSpacePressed: root.controller.close()
-        Keys.onReturnPressed: root.controller.close()
         Text {
             anchors.centerIn: parent
             text: qsTrId("filters_filter_action")

@@ -9,6 +9,11 @@ Rectangle {
     property GalleryViewController controller
     color: "black"
 
+    // Left and Right turn the pictures; the gallery takes the keys as it opens.
+    Keys.onLeftPressed: pager.decrementCurrentIndex()
+    Keys.onRightPressed: pager.incrementCurrentIndex()
+    Component.onCompleted: forceActiveFocus()
+
     ListView {
         id: pager
         objectName: "galleryPager"

@@ -8,12 +8,26 @@ Item {
     property bool pressable: false
     property bool closesGroup: false
     property real contentHeight: 52
+    property string spoken
     default property alias content: face.data
     signal tapped()
 
-    Accessible.role: pressable ? Accessible.Button : Accessible.StaticText
-    Accessible.onPressAction: if (pressable) groupRow.tapped()
     height: contentHeight + (closesGroup ? 12 : 0)
+
+    // A reader meets a button it can press, or a text that offers no press at all.
+    Item {
+        anchors.fill: face
+        visible: groupRow.pressable
+        Accessible.role: Accessible.Button
+        Accessible.name: groupRow.spoken
+        Accessible.onPressAction: groupRow.tapped()
+    }
+    Item {
+        anchors.fill: face
+        visible: !groupRow.pressable
+        Accessible.role: Accessible.StaticText
+        Accessible.name: groupRow.spoken
+    }
 
     Rectangle {
         id: face

@@ -18,7 +18,7 @@ Rectangle {
     property Component titleView: Component {
         Item {
             objectName: "lugarTitle"
-            Accessible.role: Accessible.StaticText
+            Accessible.role: Accessible.Heading
             Accessible.name: root.controller ? root.controller.titleText : ""
             Text {
                 anchors.fill: parent
@@ -98,7 +98,7 @@ Rectangle {
                     contentHeight: Math.max(64, details.implicitHeight + 24)
                     pressable: row.modelData.selectable === true
                     closesGroup: row.modelData.shadowInset === 0
-                    Accessible.name: row.modelData.subheader + ". " + row.modelData.text
+                    spoken: row.modelData.subheader + ". " + row.modelData.text
                     onTapped: root.controller.didSelectRow(row.index)
                     Column {
                         id: details
@@ -182,7 +182,7 @@ Rectangle {
                 GroupRow {
                     pressable: true
                     closesGroup: row.modelData.shadowInset === 0
-                    Accessible.name: row.modelData.title + (row.modelData.count !== "" ? ", " + row.modelData.count : "")
+                    spoken: row.modelData.title + (row.modelData.count !== "" ? ", " + row.modelData.count : "")
                     onTapped: root.controller.didSelectRow(row.index)
                     Text {
                         anchors { left: parent.left; leftMargin: 16; verticalCenter: parent.verticalCenter; right: count.left; rightMargin: 8 }

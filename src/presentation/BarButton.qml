@@ -13,11 +13,7 @@ Item {
     // The button names its key: a11y_menu, a11y_search, a11y_cancel, a11y_filter, a11y_back.
     Accessible.name: item ? qsTrId(["a11y", item.name].join("_")) : ""
     Accessible.onPressAction: button.item.trigger()
-    // A Tab stop: Return, Enter or Space act as a tap.
-    activeFocusOnTab: visible
-    Keys.onReturnPressed: button.item.trigger()
-    Keys.onEnterPressed: button.item.trigger()
-    Keys.onSpacePressed: button.item.trigger()
+    activeFocusOnTab: true
 
 
     Rectangle {

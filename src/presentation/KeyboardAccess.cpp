@@ -109,16 +109,19 @@ bool KeyboardAccess::activateFocused()
     QQuickItem *focus = m_window->activeFocusItem();
     if (!focus)
         return false;
-    // The control is the focused item or holds it; a list's own key handling may instead have
-    // given the keys to a row that holds the control.
+    // The control is the focused item or holds it.
     for (QQuickItem *item = focus; item; item = item->parentItem()) {
         QAccessibleInterface *node = QAccessible::queryAccessibleInterface(item);
         if (isKeyboardStop(node))
             return node->role() != QAccessible::EditableText && doAction(node);
     }
-    for (QQuickItem *stop : keyboardStops(m_window))
-        if (focus->isAncestorOf(stop))
-            return doAction(QAccessible::queryAccessibleInterface(stop));
+    // A list's own arrow keys give them to a row, which may hold the control rather than be it.
+    const QQuickItem *view = focus->parentItem() ? focus->parentItem()->parentItem() : nullptr;
+    if (view && view->inherits("QQuickItemView")) {
+        for (QQuickItem *stop : keyboardStops(m_window))
+            if (focus->isAncestorOf(stop))
+                return doAction(QAccessible::queryAccessibleInterface(stop));
+    }
     return false;
 }
 
@@ -154,8 +157,11 @@ bool KeyboardAccess::eventFilter(QObject *watched, QEvent *event)
     case Qt::Key_Space:
         return activateFocused();
     case Qt::Key_Up:
+    case Qt::Key_Left:
+        return moveFocus(false);
     case Qt::Key_Down:
-        return moveFocus(key->key() == Qt::Key_Down);
+    case Qt::Key_Right:
+        return moveFocus(true);
     default:
         return false;
     }

@@ -12,7 +12,7 @@ class FocusRingItem;
 //   list, read from the accessible tree), and leave text fields rather than type into them;
 // - Return, Enter or Space on a control that takes no keys of its own does its accessible press
 //   or toggle, the very handler a reader's action and a tap call;
-// - Up and Down, where nothing takes them, walk the same list;
+// - the arrows, where no list or page takes them, walk the same list;
 // - a ring shows where the keys are, from the first key until a finger or the mouse comes back.
 class KeyboardAccess : public QObject
 {

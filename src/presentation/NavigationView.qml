@@ -164,6 +164,10 @@ Item {
         Behavior on y { NumberAnimation { duration: root.motion; easing.type: Easing.OutCubic } }
         active: root.navigation.presentedViewController !== null
         source: active ? root.navigation.presentedViewController.viewUrl : ""
-        onLoaded: item.controller = root.navigation.presentedViewController
+        // The sheet takes the keys: what it covers has left their path.
+        onLoaded: {
+            item.controller = root.navigation.presentedViewController
+            item.forceActiveFocus()
+        }
     }
 }

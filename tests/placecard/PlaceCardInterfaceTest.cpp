@@ -118,6 +118,13 @@ TEST(PlaceCardInterface, OpenScrollRingSaveAndFindInMyPlaces)
     ASSERT_TRUE(ad);
     tap(window, ad);
     EXPECT_EQ(dialled.size() - 1 + tips.count(), 1) << "the ad's tap did nothing";
+    // An ad whose action is a tip shows it in the fortune sheet; a tap anywhere puts it away.
+    if (tips.count() == 1) {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("fortunesView") != nullptr; }, 2000));
+        QTest::qWait(400);
+        QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(window->width() / 2, 20));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("fortunesView") == nullptr && !ui.item("dimming")->isVisible(); }, 2000));
+    }
     UrlOpener::setUrlOpener([](const QUrl &) { return false; });
 
     // The note's whole box takes a tap, not only its first line.
