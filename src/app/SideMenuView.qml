@@ -90,6 +90,7 @@ Item {
         font: Theme.font("OpenSans-Semibold", 13)
         Accessible.role: Accessible.Button
         Accessible.name: text
+        Accessible.onPressAction: root.menu.moreInfoTouched()
         MouseArea { anchors.fill: parent; onClicked: root.menu.moreInfoTouched() }
     }
 }

@@ -67,6 +67,8 @@ Item {
                     width: 14; height: 14
                     Accessible.role: Accessible.Button
                     Accessible.name: qsTrId("a11y_clear_search")
+                    Accessible.onPressAction: clearText()
+                    function clearText() { root.controller.textFieldShouldClear(); field.clear(); field.previousText = "" }
                     Repeater {
                         model: [45, -45]
                         Rectangle {
@@ -79,7 +81,7 @@ Item {
                     }
                     MouseArea {
                         anchors { fill: parent; margins: -8 }
-                        onClicked: { root.controller.textFieldShouldClear(); field.clear(); field.previousText = "" }
+                        onClicked: clear.clearText()
                     }
                 }
                 Connections {

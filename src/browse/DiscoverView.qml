@@ -33,6 +33,7 @@ Rectangle {
             clip: true
             Accessible.role: Accessible.Button
             Accessible.name: promo ? modelData.spoken : modelData.badge
+            Accessible.onPressAction: root.controller.didSelectRow(row.index)
 
             Rectangle { anchors.fill: parent; color: "#3a1a12" }
             // An ad is shown whole, its full width, whatever its shape: its own picture, dimmed

@@ -88,10 +88,15 @@ Rectangle {
         enabled: root.controller && root.controller.sectionIndexAlpha >= 1
         Accessible.role: Accessible.ScrollBar
         Accessible.name: qsTrId("a11y_letter_index")
-            function jump(y) {
-                const section = Math.max(0, Math.min(sectionIndex.titles.length - 1, Math.floor(y / sectionIndex.letterHeight)))
+            property int section: 0
+            function jump(y) { jumpTo(Math.floor(y / sectionIndex.letterHeight)) }
+            function jumpTo(wanted) {
+                section = Math.max(0, Math.min(sectionIndex.titles.length - 1, wanted))
                 placeList.positionViewAtIndex(root.controller.rowForSection(section), ListView.Beginning)
             }
+            // A reader's increase and decrease go to the next and the previous letter.
+            Accessible.onIncreaseAction: jumpTo(section + 1)
+            Accessible.onDecreaseAction: jumpTo(section - 1)
             onPressed: (mouse) => jump(mouse.y)
             onPositionChanged: (mouse) => jump(mouse.y)
     }

@@ -205,7 +205,9 @@ SwipeDelegate {
                     }
                     // The card takes the finger for its swipe; a tap on its buttons reaches them
                     // through the attached signal, not through a MouseArea.
-                    SwipeDelegate.onClicked: if (card.list.tappedButton(card.index, modelData.index)) card.swipe.close()
+                    SwipeDelegate.onClicked: press()
+                    Accessible.onPressAction: press()
+                    function press() { if (card.list.tappedButton(card.index, modelData.index)) card.swipe.close() }
                 }
             }
         }

@@ -65,7 +65,9 @@ Rectangle {
             Accessible.role: Accessible.CheckBox
             Accessible.name: modelData.name
             Accessible.checked: modelData.selected
+            // A reader's toggle or press is the finger's tap.
             Accessible.onPressAction: root.controller.didSelectRow(index)
+            Accessible.onToggleAction: root.controller.didSelectRow(index)
             Text {
                 anchors { left: parent.left; leftMargin: 24; verticalCenter: parent.verticalCenter }
                 text: province.modelData.name

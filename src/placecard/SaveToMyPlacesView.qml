@@ -55,7 +55,9 @@ Rectangle {
                 Accessible.name: modelData.spoken
                 Accessible.checkable: true
                 Accessible.checked: modelData.on
+                // A reader's toggle or press is the finger's tap.
                 Accessible.onPressAction: root.controller.toggleButtonTouched(modelData.list)
+                Accessible.onToggleAction: root.controller.toggleButtonTouched(modelData.list)
                 RichLabel {
                     anchors.centerIn: parent
                     text: toggle.modelData.title

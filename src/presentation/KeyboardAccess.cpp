@@ -8,6 +8,8 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 
+#include <algorithm>
+
 namespace {
 
 QQuickItem *itemOf(QAccessibleInterface *node) { return qobject_cast<QQuickItem *>(node ? node->object() : nullptr); }
@@ -28,20 +30,48 @@ QList<QQuickItem *> keyboardStops(QQuickWindow *window)
 
 bool holds(QQuickItem *stop, QQuickItem *focus) { return stop == focus || stop->isAncestorOf(focus); }
 
+QQuickItem *enclosingView(QQuickItem *item)
+{
+    for (QQuickItem *view = item ? item->parentItem() : nullptr; view; view = view->parentItem())
+        if (view->inherits("QQuickFlickable"))
+            return view;
+    return nullptr;
+}
+
+// Scrolls a list or page by `by` points within its content; false when it is already at that end.
+// The view makes the rows it now shows before this returns.
+bool scrollBy(QQuickItem *view, qreal by)
+{
+    const qreal top = view->property("originY").toReal();
+    const qreal bottom = std::max(top, top + view->property("contentHeight").toReal() - view->height());
+    const qreal from = view->property("contentY").toReal();
+    const qreal to = std::clamp(from + by, top, bottom);
+    if (qAbs(to - from) < 1)
+        return false;
+    view->setProperty("contentY", to);
+    view->ensurePolished();
+    return true;
+}
+
 // Scrolls the nearest list or page so that the whole control shows.
 void bringIntoView(QQuickItem *item)
 {
-    for (QQuickItem *view = item->parentItem(); view; view = view->parentItem()) {
-        if (!view->inherits("QQuickFlickable"))
-            continue;
-        const QRectF rect = item->mapRectToItem(view, item->boundingRect());
-        const qreal contentY = view->property("contentY").toReal();
-        if (rect.top() < 0)
-            view->setProperty("contentY", contentY + rect.top());
-        else if (rect.bottom() > view->height())
-            view->setProperty("contentY", contentY + std::min(rect.bottom() - view->height(), rect.top()));
+    QQuickItem *view = enclosingView(item);
+    if (!view)
         return;
-    }
+    const QRectF rect = item->mapRectToItem(view, item->boundingRect());
+    if (rect.top() < 0)
+        scrollBy(view, rect.top());
+    else if (rect.bottom() > view->height())
+        scrollBy(view, std::min(rect.bottom() - view->height(), rect.top()));
+}
+
+bool wellInView(QQuickItem *item, QQuickWindow *window)
+{
+    const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QQuickItem *view = enclosingView(item);
+    const QRectF area = view ? view->mapRectToScene(view->boundingRect()) : QRectF(QPointF(), window->size());
+    return area.contains(middle) && QRectF(QPointF(), window->size()).contains(middle);
 }
 
 bool doAction(QAccessibleInterface *node)
@@ -73,7 +103,14 @@ KeyboardAccess::KeyboardAccess(QQuickWindow *window)
     window->installEventFilter(this);
     // Keys no control took end at the window's root item.
     window->contentItem()->installEventFilter(this);
-    connect(window, &QQuickWindow::activeFocusItemChanged, this, &KeyboardAccess::placeRing);
+    // A reader's "focus" on a control below the fold brings it into view, as Tab does.
+    connect(window, &QQuickWindow::activeFocusItemChanged, this, [this] {
+        QQuickItem *focus = m_window->activeFocusItem();
+        if (focus && focus != m_window->contentItem() && !wellInView(focus, m_window)
+            && isKeyboardStop(QAccessible::queryAccessibleInterface(focus)))
+            bringIntoView(focus);
+        placeRing();
+    });
     // Lists scroll and screens slide under the ring; it follows them frame by frame.
     connect(window, &QQuickWindow::afterAnimating, this, [this] {
         if (m_keyboardInUse)
@@ -94,14 +131,40 @@ bool KeyboardAccess::moveFocus(bool forward)
     // is no place to start from.
     QQuickItem *focus = m_keyboardInUse ? m_window->activeFocusItem() : nullptr;
     qsizetype at = -1;
-    for (qsizetype i = 0; focus && i < stops.size() && at < 0; ++i)
-        if (holds(stops[i], focus))
+    // The innermost control holding the keys: a field's clear button lies within the field.
+    for (qsizetype i = 0; focus && i < stops.size(); ++i)
+        if (holds(stops[i], focus) && (at < 0 || stops[at]->isAncestorOf(stops[i])))
             at = i;
-    const qsizetype next = at < 0 ? (forward ? 0 : stops.size() - 1) : (at + (forward ? 1 : stops.size() - 1)) % stops.size();
-    stops[next]->forceActiveFocus(Qt::TabFocusReason);
-    bringIntoView(stops[next]);
+    qsizetype next = at < 0 ? (forward ? 0 : stops.size() - 1) : (at + (forward ? 1 : stops.size() - 1)) % stops.size();
+    QQuickItem *target = stops[next];
+    // Leaving a list or page at the last control it shows: first it scrolls on to the next.
+    const bool wraps = at >= 0 && (forward ? next < at : next > at);
+    if (QQuickItem *view = at >= 0 ? enclosingView(stops[at]) : nullptr; view && (wraps || !view->isAncestorOf(target))) {
+        if (QQuickItem *revealed = revealNext(view, stops[at], forward))
+            target = revealed;
+    }
+    target->forceActiveFocus(Qt::TabFocusReason);
+    bringIntoView(target);
     showRing(true);
     return true;
+}
+
+QQuickItem *KeyboardAccess::revealNext(QQuickItem *view, QQuickItem *from, bool forward)
+{
+    if (!scrollBy(view, (forward ? 0.75 : -0.75) * view->height()))
+        return nullptr;
+    const qreal fromTop = from->mapToScene(QPointF()).y();
+    QQuickItem *found = nullptr;
+    for (QQuickItem *stop : keyboardStops(m_window)) {
+        if (stop == from || !view->isAncestorOf(stop))
+            continue;
+        const qreal top = stop->mapToScene(QPointF()).y();
+        if (forward && top > fromTop)
+            return stop;
+        if (!forward && top < fromTop)
+            found = stop;
+    }
+    return found;
 }
 
 bool KeyboardAccess::activateFocused()

@@ -31,6 +31,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    // Scrolls `view` on by most of its height and gives the first control it now shows after
+    // (or before) `from`; null when it can scroll no further.
+    QQuickItem *revealNext(QQuickItem *view, QQuickItem *from, bool forward);
     void showRing(bool shown);
     void placeRing();
 
