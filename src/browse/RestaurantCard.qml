@@ -29,7 +29,6 @@ SwipeDelegate {
     Accessible.name: accessibleName
     background: Rectangle {
         color: card.pressed ? "#f4f1ec" : "white"
-        border { width: card.visualFocus ? 2 : 0; color: Theme.colors.barTintColor }
         // Under the texts, so it moves with them when editing slides the card's content.
         Rectangle {
             objectName: "cardSeparator"

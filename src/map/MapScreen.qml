@@ -37,6 +37,23 @@ Rectangle {
     }
     Component.onCompleted: grabMapView()
 
+    // The pins a reader is offered, where they stand: a press opens a pin's callout as a tap does.
+    Repeater {
+        model: root.controller && root.controller.mapView ? root.controller.mapView.readablePins : []
+        Item {
+            required property var modelData
+            parent: holder
+            objectName: "readablePin-" + modelData.identifier
+            x: modelData.x - 11
+            y: modelData.y - 30
+            width: 22
+            height: 30
+            Accessible.role: Accessible.Button
+            Accessible.name: modelData.name
+            Accessible.onPressAction: root.controller.mapView.selectAnnotation(modelData.identifier)
+        }
+    }
+
     MapCallout {
         z: 2
         parent: holder

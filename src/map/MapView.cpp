@@ -2,6 +2,7 @@
 
 #include "map/MapCalloutView.h"
 #include "map/MapViewDelegate.h"
+#include "map/ReadablePins.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -61,6 +62,9 @@ MapView::MapView(QQuickItem *parent)
     setAcceptTouchEvents(true);
     setClip(true);
     setActiveFocusOnTab(true);
+    m_readablePinsTimer.setSingleShot(true);
+    m_readablePinsTimer.setInterval(150);
+    connect(&m_readablePinsTimer, &QTimer::timeout, this, &MapView::refreshReadablePins);
 }
 
 MapView::~MapView() = default;
@@ -84,7 +88,34 @@ void MapView::addAnnotation(const Annotation &annotation)
         return;
     m_pins.add(annotation.identifier, TileMath::worldFromCoordinate(annotation.latitude, annotation.longitude));
     emit annotationsChanged();
+    refreshReadablePinsSoon();
     update();
+}
+
+void MapView::selectAnnotation(int identifier)
+{
+    if (m_delegate)
+        m_delegate->mapViewDidSelectAnnotation(identifier);
+}
+
+void MapView::refreshReadablePinsSoon()
+{
+    if (!m_readablePinsTimer.isActive())
+        m_readablePinsTimer.start();
+}
+
+void MapView::refreshReadablePins()
+{
+    // Enough to read around the middle; the rest is a pan or a zoom away.
+    constexpr int readableLimit = 20;
+    QVariantList pins;
+    for (const ReadablePin &pin : ::readablePins(m_pins, m_camera, readableLimit))
+        pins.append(QVariantMap{{QStringLiteral("identifier"), pin.identifier},
+                                {QStringLiteral("name"), m_delegate ? m_delegate->mapViewTitleForAnnotation(pin.identifier) : QString()},
+                                {QStringLiteral("x"), pin.point.x()},
+                                {QStringLiteral("y"), pin.point.y()}});
+    m_readablePins = pins;
+    emit readablePinsChanged();
 }
 
 std::optional<int> MapView::annotationAt(const QPointF &point) const
@@ -102,6 +133,7 @@ void MapView::setVisibleRegion(const CoordinateRegion &region)
     setCamera(TileMath::worldFromCoordinate(region.latitude, region.longitude), region.zoomLevel);
     if (m_delegate)
         m_delegate->mapViewDidChangeToRegion(visibleRegion());
+    refreshReadablePinsSoon();
 }
 
 CoordinateRegion MapView::visibleRegion() const
@@ -227,6 +259,7 @@ void MapView::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometr
 {
     QQuickItem::geometryChange(newGeometry, oldGeometry);
     m_camera.viewport = newGeometry.size();
+    refreshReadablePinsSoon();
     if (m_calloutPin)
         emit calloutPointChanged();
     update();
@@ -366,13 +399,13 @@ void MapView::endRegionChange()
     m_regionChanging = false;
     if (m_delegate)
         m_delegate->mapViewDidChangeToRegion(visibleRegion());
+    refreshReadablePinsSoon();
 }
 
 void MapView::tap(const QPointF &point)
 {
     if (const std::optional<int> identifier = annotationAt(point)) {
-        if (m_delegate)
-            m_delegate->mapViewDidSelectAnnotation(*identifier);
+        selectAnnotation(*identifier);
         return;
     }
     const QPointF coordinate = TileMath::coordinateFromWorld(m_camera.toWorld(point));

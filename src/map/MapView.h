@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QPointer>
 #include <QQuickItem>
+#include <QTimer>
 #include <QVariant>
 
 #include <optional>
@@ -51,6 +52,8 @@ class MapView : public QQuickItem
     Q_PROPERTY(QPointF calloutPoint READ calloutPoint NOTIFY calloutPointChanged)
     // The callout's box: its body and its arrow, which stands on the callout point.
     Q_PROPERTY(QSizeF calloutSize READ calloutSize CONSTANT)
+    // The pins a screen reader is offered, once the camera rests: {identifier, name, x, y}.
+    Q_PROPERTY(QVariantList readablePins READ readablePins NOTIFY readablePinsChanged)
 
 public:
     struct Settings {
@@ -80,6 +83,9 @@ public:
     const PinIndex &pinIndex() const { return m_pins; }
     // The identifier of the pin a tap at this item's point would select.
     std::optional<int> annotationAt(const QPointF &point) const;
+    // What a tap on the pin does: a reader's press on it comes here too.
+    Q_INVOKABLE void selectAnnotation(int identifier);
+    QVariantList readablePins() const { return m_readablePins; }
 
     // Camera
     void setVisibleRegion(const CoordinateRegion &region);
@@ -123,6 +129,7 @@ signals:
     void annotationsChanged();
     void calloutChanged();
     void calloutPointChanged();
+    void readablePinsChanged();
 
 protected:
     QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) override;
@@ -168,4 +175,9 @@ private:
     QPointF m_pinchLastCenter;
     bool m_pinching = false;
     qint64 m_lastFrameNanoseconds = 0;
+    QVariantList m_readablePins;
+    // The reader's pins are found anew once a move or a batch of pins has settled, never in a frame.
+    QTimer m_readablePinsTimer;
+    void refreshReadablePinsSoon();
+    void refreshReadablePins();
 };

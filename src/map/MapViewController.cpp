@@ -251,6 +251,12 @@ void MapViewController::selectAnnotation(std::optional<int> identifier)
 
 void MapViewController::mapViewDidSelectAnnotation(int identifier) { selectAnnotation(identifier); }
 
+QString MapViewController::mapViewTitleForAnnotation(int identifier)
+{
+    const std::optional<Brief> brief = m_restaurants.brief(MapViewWrapper::placeForIdentifier(identifier));
+    return brief ? brief->name : QString();
+}
+
 void MapViewController::mapViewDidTapAtCoordinate(double, double)
 {
     m_selectedPinId.reset();

@@ -55,6 +55,7 @@ public:
     void mapViewDidTapAtCoordinate(double latitude, double longitude) override;
     void mapViewDidStartRegionChange() override;
     void mapViewDidChangeToRegion(const CoordinateRegion &region) override;
+    QString mapViewTitleForAnnotation(int identifier) override;
     void calloutViewDidTapRightButton() override;
     void positionerServiceUpdatedCurrentLocation(const GeoLocation &location) override;
 

@@ -432,6 +432,7 @@ TEST(MainInterface, TabAndReturnOpenTheMenuAndAPlace)
     QTest::keyClick(window, Qt::Key_Tab);
     ASSERT_TRUE(focused().startsWith(QLatin1String("placeCard-"))) << focused().toStdString();
     EXPECT_TRUE(ringOnFocus(window));
+    ui.save("keyboard-ring");
     QQuickItem *first = ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible(); });
     EXPECT_EQ(window->activeFocusItem(), first) << "the first card in reading order";
     // Down walks the list past the cards on screen, which scrolls along; Up comes back a card.

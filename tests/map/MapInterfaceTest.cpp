@@ -6,6 +6,7 @@
 #include "placecard/LugarTableViewController.h"
 #include "platform/PositionerService.h"
 
+#include <QAccessible>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -152,5 +153,50 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
         QQuickItem *holder = demo.view()->parentItem();
         return qobject_cast<MapViewController *>(ui.delegate->mainNavigation()->topViewController()) && holder && holder->isVisible()
                && demo.view()->isVisible();
+    }, 3000));
+}
+
+// Catches pins a reader can't find or press, and a pin and callout the keys can't reach: the
+// pins near the middle are offered by name where they stand, a reader's press opens a pin's
+// callout as a tap does, and the keys alone go from a pin to its callout's button to the card.
+TEST(MapInterface, AReaderAndTheKeysOpenAPinAndItsCard)
+{
+    MapDemo demo;
+    DemoWindow &ui = demo.ui;
+    QQuickWindow *window = ui.window->window();
+    ui.delegate->openLink(QStringLiteral("velmora://map"), false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return demo.view() && demo.view()->isVisible() && demo.view()->annotationCount() > 300; }, 5000));
+    const Annotation pin = *MapViewWrapper::shared().annotations.cbegin();
+    demo.view()->setVisibleRegion({pin.latitude, pin.longitude, 17.0f});
+    const auto readable = [&] {
+        return ui.itemWhere([](QQuickItem *item) { return item->objectName().startsWith(QLatin1String("readablePin-")); });
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return readable() != nullptr; }, 2000));
+    QQuickItem *first = readable();
+    QAccessibleInterface *node = QAccessible::queryAccessibleInterface(first);
+    const int identifier = first->objectName().mid(int(qstrlen("readablePin-"))).toInt();
+    const QString name = Restaurants::shared().brief(MapViewWrapper::placeForIdentifier(identifier))->name;
+    EXPECT_EQ(node->text(QAccessible::Name), name);
+    EXPECT_EQ(demo.view()->annotationAt(demo.view()->mapFromScene(first->mapToScene(QPointF(11, 12)))), identifier)
+        << "the reader's pin stands where the pin is drawn";
+
+    node->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return demo.view()->calloutVisible(); }, 2000));
+    EXPECT_EQ(demo.view()->calloutView()->spokenTitle(), name);
+    demo.view()->hideCallout();
+
+    // The keys: Tab to a pin, Return opens its callout, Tab to the callout's button, Return opens the card.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return readable() != nullptr; }, 2000));
+    ASSERT_TRUE(tabTo(window, QStringLiteral("readablePin-")));
+    EXPECT_TRUE(ringOnFocus(window));
+    const int chosen = MapViewWrapper::placeForIdentifier(focusedName(window).mid(int(qstrlen("readablePin-"))).toInt());
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return demo.view()->calloutVisible(); }, 2000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("mapCalloutButton") && ui.item("mapCalloutButton")->isVisible(); }, 2000));
+    ASSERT_TRUE(tabTo(window, QStringLiteral("mapCalloutButton")));
+    QTest::keyClick(window, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        auto *card = qobject_cast<LugarTableViewController *>(ui.delegate->mainNavigation()->topViewController());
+        return card && card->restInfo && card->restInfo->id == chosen;
     }, 3000));
 }
