@@ -95,6 +95,7 @@ Item {
         onClicked: root.controller.ready ? root.controller.startButtonTouched() : root.controller.cancelTouched()
     }
 
+    readonly property bool chooserOpen: fileDialog.visible
     FileDialog {
         id: fileDialog
         title: qsTrId("wt_open_catalogue")

@@ -34,8 +34,16 @@ Rectangle {
         Behavior on opacity { enabled: root.animated; SequentialAnimation { PauseAnimation { duration: 1500 } NumberAnimation { duration: 800 } } }
 
         WTSelectView { anchors.fill: parent; visible: root.controller.step === "select"; controller: root.controller.selectVC }
-        WTiTunesView { anchors.fill: parent; visible: root.controller.step === "itunes"; controller: root.controller.itunesVC }
+        WTiTunesView { id: copyStep; anchors.fill: parent; visible: root.controller.step === "itunes"; controller: root.controller.itunesVC }
         WTDownloadView { anchors.fill: parent; visible: root.controller.step === "download"; controller: root.controller.downloadVC }
+    }
+
+    // Escape goes back from the copy step to the choice, as its Cancel does, unless the file
+    // chooser is open: that takes its own Escape.
+    Shortcut {
+        sequence: StandardKey.Cancel
+        enabled: root.controller.step === "itunes" && !copyStep.chooserOpen
+        onActivated: root.controller.itunesVC.cancelTouched()
     }
 
     DropArea {

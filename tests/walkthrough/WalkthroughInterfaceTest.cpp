@@ -121,6 +121,23 @@ TEST(WalkthroughInterface, CopyStepTakesADroppedFileAndStartLeadsIn)
     EXPECT_TRUE(QFile::exists(damaged));
 }
 
+// Catches a first run a keyboard can't walk: Tab reaches the choice's buttons, Right moves
+// between them, Return opens the copy step and Escape comes back from it to the choice.
+TEST(WalkthroughInterface, TheKeysChooseAStepAndComeBack)
+{
+    FirstRunWindow app;
+    QQuickWindow *window = app.window->window();
+    ASSERT_TRUE(app.waitForOpening());
+    ASSERT_TRUE(tabTo(window, QStringLiteral("downloadButton")));
+    EXPECT_TRUE(ringOnFocus(window));
+    QTest::keyClick(window, Qt::Key_Right);
+    ASSERT_EQ(focusedName(window), QStringLiteral("itunesButton"));
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return app.visible("openCatalogueButton") != nullptr; }, 2000));
+    QTest::keyClick(window, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return app.visible("downloadButton") != nullptr && !app.visible("openCatalogueButton"); }, 2000));
+}
+
 // Catches: a download step whose bar never moves, a cancel that leaves the transfer (or its
 // file) behind, and a finished download that doesn't lead into the guide.
 TEST(WalkthroughInterface, DownloadShowsProgressCancelsAndLeadsIn)
