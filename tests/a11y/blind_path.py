@@ -133,6 +133,10 @@ def check_tree_once(step):
                 fail(f"{step}: {node.getRoleName()} {node.name!r} is shown outside the window at {box.x},{box.y}")
         if ({"Press", "Toggle"} & set(actions(node))) and not node.name.strip():
             fail(f"{step}: an unnamed {node.getRoleName()} can be acted on")
+    # A list's rows come in the order they stand, top to bottom, as a reader goes through them.
+    rows = [extents(n).y for n in nodes if n.getRoleName() == "list item" and "Press" in actions(n)]
+    if rows != sorted(rows):
+        fail(f"{step}: a list's rows are read out of their order on screen: {rows}")
     print(f"ok: {step} ({len(nodes)} objects shown)")
 
 
