@@ -80,6 +80,9 @@ SwipeDelegate {
     visible: !pooled && index >= 0
     ListView.onPooled: { card.swipe.close(); card.pooled = true }
     ListView.onReused: { card.swipe.close(); card.pooled = false }
+    // A reader reads the cards in the order they stand, however the list made and reused them.
+    onYChanged: ReadingOrder.sortSoon(parent)
+    Component.onCompleted: ReadingOrder.sortSoon(parent)
 
     contentItem: Item {
         // Drawn, not typed: no bundled font has the sign, and a system fallback would differ.
