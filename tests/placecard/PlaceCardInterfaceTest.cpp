@@ -268,6 +268,12 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     QTest::mouseRelease(window, Qt::LeftButton, {}, QPoint(60, 420));
     ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 2; }, 3000));
     QTest::qWait(600);
+    // The keys turn the pictures too: Left goes back one, Right forward again.
+    QTest::keyClick(window, Qt::Key_Left);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 1; }, 2000));
+    QTest::keyClick(window, Qt::Key_Right);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 2; }, 2000));
+    QTest::qWait(600);
 
     // A double tap zooms in and another comes back; the wheel zooms too.
     QQuickItem *second = page(2);
