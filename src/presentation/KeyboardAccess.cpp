@@ -240,7 +240,9 @@ void KeyboardAccess::showRing(bool shown)
 
 void KeyboardAccess::placeRing()
 {
-    QQuickItem *focus = m_window ? m_window->activeFocusItem() : nullptr;
+    if (!m_ring || !m_window)
+        return;
+    QQuickItem *focus = m_window->activeFocusItem();
     const bool shown = m_keyboardInUse && focus && focus != m_window->contentItem() && focus->isVisible()
         && focus->width() > 0 && focus->height() > 0;
     m_ring->setVisible(shown);

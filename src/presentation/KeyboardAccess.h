@@ -38,6 +38,7 @@ private:
     void placeRing();
 
     QPointer<QQuickWindow> m_window;
-    FocusRingItem *m_ring = nullptr;
+    // The window's root item owns the ring and may delete it first as the window goes.
+    QPointer<FocusRingItem> m_ring;
     bool m_keyboardInUse = false;
 };
