@@ -15,7 +15,6 @@ Item {
     Accessible.onPressAction: button.item.trigger()
     activeFocusOnTab: true
 
-
     Rectangle {
         anchors.centerIn: parent
         width: label.implicitWidth + 10
