@@ -5,13 +5,10 @@
 #include <QRectF>
 #include <QString>
 
-class QQuickItem;
 class QQuickWindow;
 
-// What assistive technology finds on screen: the window's accessible objects, the very tree a
-// screen reader gets over the accessibility bus, those shown in the window, in reading order.
-// Unnamed containers are left out; anything else without a name comes with an empty one, so that
-// a test can refuse it.
+// One object of `shownAccessibles` (AccessibleTree.h), as the dump prints it. Anything without a
+// name comes with an empty one, so that a test can refuse it.
 struct UiNode {
     QString role; // QAccessible's role name: "Button", "StaticText", "ListItem"...
     QString name;
