@@ -21,7 +21,7 @@
 #include <QLoggingCategory>
 #include <QTextStream>
 
-#include "toolkit/HitCollector.h"
+#include "toolkit/collector/HitCollector.h"
 #include "toolkit/Signing.h"
 #include "platform/Signatures.h"
 #include "catalogue/Restaurants.h"
@@ -50,8 +50,8 @@ const char usage[] = R"(usage:
                                     [--price ID]... [--show-closed]
   velmora-catalogue query FILE place ID
   velmora-catalogue basemap -o FILE.mbtiles [--max-zoom Z] [--resolution c|l|i|h|f]
-  velmora-catalogue collect --db FILE [--port N]
-  velmora-catalogue hits FILE
+  velmora-catalogue collect --db FILE|sqlite:FILE|postgresql://... [--port N]
+  velmora-catalogue hits [--db] FILE|sqlite:FILE|postgresql://...
 )";
 
 int fail(const QString &message)
@@ -275,7 +275,8 @@ int serve(const QStringList &arguments)
     return QCoreApplication::exec();
 }
 
-// Receives the app's analytics on /collect and /batch until stopped, keeping each hit in FILE.
+// Receives the app's analytics on /collect and /batch until stopped, keeping each hit in an SQLite
+// file or a PostgreSQL database.
 int collect(const QStringList &arguments)
 {
     Arguments args(arguments, {QStringLiteral("--port"), QStringLiteral("--db")}, {});
@@ -283,7 +284,7 @@ int collect(const QStringList &arguments)
     const int port = args.options.contains(QStringLiteral("--port")) ? args.value(QStringLiteral("--port")).toInt(&portOk) : 0;
     if (!args.error.isEmpty() || !args.positional.isEmpty() || args.value(QStringLiteral("--db")).isEmpty() || !portOk || port < 0
         || port > 65535)
-        return fail(args.error.isEmpty() ? QStringLiteral("collect --db FILE [--port N]") : args.error);
+        return fail(args.error.isEmpty() ? QStringLiteral("collect --db FILE|postgresql://... [--port N]") : args.error);
     HitCollector collector(args.value(QStringLiteral("--db")));
     QString error;
     if (!collector.open(&error))
@@ -291,18 +292,18 @@ int collect(const QStringList &arguments)
     const quint16 listening = collector.listen(QHostAddress::Any, quint16(port), &error);
     if (!listening)
         return fail(error);
-    QTextStream(stdout) << "collecting into " << QFileInfo(args.value(QStringLiteral("--db"))).absoluteFilePath() << " on port "
-                        << listening << Qt::endl;
+    QTextStream(stdout) << "collecting into " << collector.describe() << " on port " << listening << Qt::endl;
     return QCoreApplication::exec();
 }
 
 int hits(const QStringList &arguments)
 {
-    if (arguments.size() != 1 || arguments.first().startsWith(QLatin1Char('-')))
-        return fail(QStringLiteral("hits FILE"));
+    const bool named = arguments.size() == 2 && arguments.first() == QLatin1String("--db");
+    if (!(arguments.size() == 1 || named) || arguments.last().startsWith(QLatin1Char('-')))
+        return fail(QStringLiteral("hits [--db] FILE|postgresql://..."));
     QJsonObject summary;
     QString error;
-    if (!HitCollector::summary(arguments.first(), summary, &error))
+    if (!HitCollector::summary(arguments.last(), summary, &error))
         return fail(error);
     return report(summary);
 }

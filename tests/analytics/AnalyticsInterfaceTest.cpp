@@ -2,7 +2,7 @@
 #include "analytics/Measurement.h"
 #include "fixtures/DemoWindow.h"
 #include "platform/DefaultKeys.h"
-#include "toolkit/HitCollector.h"
+#include "toolkit/collector/HitCollector.h"
 
 #include <QJsonObject>
 #include <QTemporaryDir>

@@ -2,7 +2,7 @@
 #include "analytics/HitEncoding.h"
 #include "analytics/HitStore.h"
 #include "analytics/TrackerImpl.h"
-#include "toolkit/HitCollector.h"
+#include "toolkit/collector/HitCollector.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -122,7 +122,7 @@ TEST(HitPipeline, EncodingRoundTripsThroughTheCollector)
     EXPECT_TRUE(line.contains("&ni&")) << "an empty value is its key alone";
     EXPECT_FALSE(line.contains("useSecure"));
     QString why;
-    const auto parsed = HitCollector::parseHit(line, &why);
+    const auto parsed = CollectedHit::parse(line, &why);
     ASSERT_TRUE(parsed) << why.toStdString();
     EXPECT_EQ(parsed->category, anyBytes);
     EXPECT_EQ(parsed->hitTime, 5000);

@@ -125,9 +125,10 @@ QSet<QString> collectedLabels(const QString &database, int &rows)
     rows = 0;
     Database db(database);
     db.openWithFlags(Database::ReadOnly);
-    db.forEachRow(QStringLiteral("SELECT label FROM hits"), {}, [&](const ResultSet &row) {
+    // The collector keeps one row per hit and counts the copies it received.
+    db.forEachRow(QStringLiteral("SELECT label, copies FROM hits"), {}, [&](const ResultSet &row) {
         labels.insert(row.stringForColumn(0));
-        ++rows;
+        rows += int(row.longForColumn(1));
         return true;
     });
     return labels;

@@ -142,10 +142,13 @@ void HttpIntake::serve(QTcpSocket *socket)
             return;
         exchange->done = true;
         exchange->request.body = std::exchange(exchange->buffer, QByteArray());
-        const std::optional<Answer> reply = m_handler(exchange->request);
-        if (reply)
-            answer(socket, *reply);
-        else
-            socket->abort(); // nothing stored: no answer the client would take as final
+        m_handler(exchange->request, [socket = QPointer<QTcpSocket>(socket)](std::optional<Answer> reply) {
+            if (!socket)
+                return;
+            if (reply)
+                answer(socket, *reply);
+            else
+                socket->abort(); // nothing stored: no answer the client would take as final
+        });
     });
 }

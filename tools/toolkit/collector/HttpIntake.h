@@ -10,8 +10,9 @@
 
 // A small HTTP/1.1 server for endpoints that take bodies from anyone: the head is read first and
 // a body announced as larger than the limit is refused with 413 before a byte of it is read; a
-// body is read only up to its Content-Length; and the handler may give no answer at all, which
-// closes the connection unanswered (what a client takes as "not received, send again").
+// body is read only up to its Content-Length; and the handler answers when it is ready (later,
+// from the event loop, if it likes) or gives no answer at all, which closes the connection
+// unanswered (what a client takes as "not received, send again").
 // One request per connection ("Connection: close").
 class HttpIntake : public QObject
 {
@@ -29,8 +30,10 @@ public:
         QByteArray body;
         QByteArray contentType = "text/plain; charset=utf-8";
     };
-    // nullopt: close the connection without an answer.
-    using Handler = std::function<std::optional<Answer>(const Request &)>;
+    // Called once with the answer; nullopt closes the connection without one. Harmless after the
+    // client went away.
+    using Responder = std::function<void(std::optional<Answer>)>;
+    using Handler = std::function<void(const Request &, Responder)>;
 
     static constexpr qsizetype maxHeadBytes = 16 * 1024;
     static constexpr int idleTimeoutMs = 30'000;
