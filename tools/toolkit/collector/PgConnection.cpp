@@ -46,8 +46,11 @@ bool PgConnection::connect(QString *error)
     const char *keys[] = {"connect_timeout", "application_name", "options", "dbname", nullptr};
     const char *values[] = {timeout.constData(), "velmora-collect", options.constData(), url.constData(), nullptr};
     m_connection = PQconnectdbParams(keys, values, 1);
-    if (PQstatus(m_connection) == CONNECTION_OK)
+    if (PQstatus(m_connection) == CONNECTION_OK) {
+        // The server's notices ("relation already exists, skipping") are no news to anyone.
+        PQsetNoticeProcessor(m_connection, [](void *, const char *) {}, nullptr);
         return true;
+    }
     *error = QString::fromUtf8(PQerrorMessage(m_connection)).trimmed();
     disconnect();
     return false;
