@@ -440,6 +440,21 @@ TEST(Toolkit, CollectReceivesHitsAndHitsSummarisesThem)
     EXPECT_EQ(notHits.exitCode, 1);
     EXPECT_TRUE(notHits.err.contains("not a file of collected hits"));
     EXPECT_NE(runTool({QStringLiteral("collect")}).exitCode, 0) << "no --db";
+
+    // A file an earlier collect wrote, without the hit identities: refused as it is, not changed.
+    const QString earlier = dir.filePath(QStringLiteral("earlier.sqlite"));
+    {
+        Database old(earlier);
+        ASSERT_TRUE(old.open() && old.executeStatements(QStringLiteral("CREATE TABLE hits (id INTEGER PRIMARY KEY, payload TEXT);"
+                                                                       "INSERT INTO hits (payload) VALUES ('t=event')")));
+    }
+    const QByteArray before = [&earlier] { QFile f(earlier); f.open(QIODevice::ReadOnly); return f.readAll(); }();
+    const ToolRun refused = runTool({QStringLiteral("collect"), QStringLiteral("--db"), earlier});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.err.contains("written by an earlier collect")) << refused.err.constData();
+    QFile after(earlier);
+    ASSERT_TRUE(after.open(QIODevice::ReadOnly));
+    EXPECT_EQ(after.readAll(), before);
 }
 
 // Catches: a key pair that replaces one in use, a published file left unsigned, a signature that
