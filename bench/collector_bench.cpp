@@ -130,11 +130,15 @@ private:
     QElapsedTimer *m_clock = nullptr;
 };
 
-void row(const char *name, const Outcome &outcome, const QString &stored, const QString &duplicates)
+struct Stored {
+    QString rows = QStringLiteral("?"), duplicates = QStringLiteral("?"), bytesPerHit = QStringLiteral("-");
+};
+
+void row(const char *name, const Outcome &outcome, const Stored &stored)
 {
-    std::printf("| %-38s | %9.0f | %7.1f | %7.1f | %12lld | %8s | %10s | %7lld |\n", name, outcome.hitsPerSecond, outcome.medianMs, outcome.p99Ms,
-                static_cast<long long>(outcome.acknowledged), qPrintable(stored), qPrintable(duplicates),
-                static_cast<long long>(outcome.retries));
+    std::printf("| %-38s | %9.0f | %7.1f | %6.1f | %12lld | %8s | %10s | %7lld | %11s |\n", name, outcome.hitsPerSecond, outcome.medianMs,
+                outcome.p99Ms, static_cast<long long>(outcome.acknowledged), qPrintable(stored.rows), qPrintable(stored.duplicates),
+                static_cast<long long>(outcome.retries), qPrintable(stored.bytesPerHit));
     std::fflush(stdout);
 }
 
@@ -142,27 +146,27 @@ const char countRows[] = "SELECT count(*), count(*) - (SELECT count(*) FROM (SEL
                          " FROM hits";
 
 // Rows stored and rows beyond one per hit identity (must be 0).
-std::pair<QString, QString> storedInFile(const QString &path)
+Stored storedInFile(const QString &path)
 {
     Database db(path);
-    if (!db.openWithFlags(Database::ReadOnly))
-        return {QStringLiteral("?"), QStringLiteral("?")};
-    ResultSet rows = db.executeQuery(QString::fromLatin1(countRows));
+    ResultSet rows = db.openWithFlags(Database::ReadOnly) ? db.executeQuery(QString::fromLatin1(countRows)) : ResultSet();
     if (!rows.next())
-        return {QStringLiteral("?"), QStringLiteral("?")};
+        return {};
     return {QString::number(rows.longForColumn(0)), QString::number(rows.longForColumn(1))};
 }
 
-std::pair<QString, QString> storedIn(const QString &url)
+// The same from PostgreSQL, with the table's size on disk (indexes included) per hit.
+Stored storedIn(const QString &url)
 {
     PgConnection db(url);
     QString error;
-    if (!db.connect(&error))
-        return {QStringLiteral("?"), QStringLiteral("?")};
-    const auto rows = db.run(countRows, {}, &error);
+    const auto rows = db.connect(&error) ? db.run(countRows, {}, &error) : std::nullopt;
+    const auto size = db.isConnected() ? db.run("SELECT pg_total_relation_size('hits')", {}, &error) : std::nullopt;
     if (!rows || rows->isEmpty())
-        return {QStringLiteral("?"), QStringLiteral("?")};
-    return {QString::fromUtf8(rows->first().value(0)), QString::fromUtf8(rows->first().value(1))};
+        return {};
+    const qint64 count = rows->first().value(0).toLongLong();
+    return {QString::number(count), QString::fromUtf8(rows->first().value(1)),
+            size && count ? QString::number(size->value(0).value(0).toLongLong() / count) : QStringLiteral("?")};
 }
 }
 
@@ -193,16 +197,15 @@ int main(int argc, char **argv)
         return 2;
     }
     const int batches = hits / hitsPerBatch;
-    std::puts("| case                                   |  hits / s | med. ms | p99 ms | acknowledged |   stored | duplicates | resends |");
-    std::puts("|:---------------------------------------|----------:|--------:|-------:|-------------:|---------:|-----------:|--------:|");
+    std::puts("| case                                   |  hits / s | med. ms | p99 ms | acknowledged |   stored | duplicates | resends | bytes / hit |");
+    std::puts("|:---------------------------------------|----------:|--------:|-------:|-------------:|---------:|-----------:|--------:|------------:|");
 
     QTemporaryDir dir;
     {
         const QString file = dir.filePath(QStringLiteral("hits.sqlite"));
         CollectorProcess collector(tool, file);
         const Outcome outcome = Load({collector.port()}, batches, clients, {}).run();
-        const auto [stored, duplicates] = storedInFile(file);
-        row("one collector, SQLite", outcome, stored, duplicates);
+        row("one collector, SQLite", outcome, storedInFile(file));
     }
     PostgresServer postgres;
     if (!postgres.isRunning()) {
@@ -219,15 +222,13 @@ int main(int argc, char **argv)
         fresh();
         CollectorProcess collector(tool, postgres.url());
         const Outcome outcome = Load({collector.port()}, batches, clients, {}).run();
-        const auto [stored, duplicates] = storedIn(postgres.url());
-        row("one collector, PostgreSQL", outcome, stored, duplicates);
+        row("one collector, PostgreSQL", outcome, storedIn(postgres.url()));
     }
     {
         fresh();
         CollectorProcess first(tool, postgres.url()), second(tool, postgres.url());
         const Outcome outcome = Load({first.port(), second.port()}, batches, clients, {}).run();
-        const auto [stored, duplicates] = storedIn(postgres.url());
-        row("two collectors, one PostgreSQL", outcome, stored, duplicates);
+        row("two collectors, one PostgreSQL", outcome, storedIn(postgres.url()));
     }
     {
         fresh();
@@ -250,8 +251,7 @@ int main(int argc, char **argv)
                                 }).run();
         if (restart.joinable())
             restart.join();
-        const auto [stored, duplicates] = storedIn(postgres.url());
-        row("two, one killed, database restarted", outcome, stored, duplicates);
+        row("two, one killed, database restarted", outcome, storedIn(postgres.url()));
     }
     return 0;
 }
