@@ -6,6 +6,7 @@
 #include "platform/Localize.h"
 #include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
+#include "platform/SingleInstance.h"
 #include "presentation/KeyboardAccess.h"
 #include "richtext/ApplicationFonts.h"
 
@@ -13,6 +14,7 @@
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QtQml/qqmlextensionplugin.h>
 
 // The QML modules are static plugins; importing them here ties them to whoever shows the window.
@@ -45,7 +47,29 @@ bool AppWindow::load()
         return false;
     }
     new KeyboardAccess(window());
+    const QScreen *screen = window()->screen();
+    if (screen && fillsScreen(screen->availableSize(), qEnvironmentVariable("XDG_CURRENT_DESKTOP"), qEnvironmentVariable("PLASMA_PLATFORM")))
+        window()->showFullScreen();
     return true;
+}
+
+bool AppWindow::fillsScreen(const QSize &screen, const QString &desktop, const QString &plasmaPlatform)
+{
+    return std::min(screen.width(), screen.height()) < 600 || desktop.split(QLatin1Char(':')).contains(QLatin1String("Phosh"), Qt::CaseInsensitive)
+           || plasmaPlatform.startsWith(QLatin1String("phone"));
+}
+
+void AppWindow::followLinksFrom(SingleInstance &instance)
+{
+    QObject::connect(&instance, &SingleInstance::messageReceived, m_engine.get(), [this](const QString &link) {
+        if (QQuickWindow *shown = window()) {
+            shown->show();
+            shown->raise();
+            shown->requestActivate();
+        }
+        if (!link.isEmpty())
+            m_delegate.openLink(link, true);
+    });
 }
 
 QQuickWindow *AppWindow::window() const

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <QImage>
+#include <QSize>
+#include <QString>
 
 #include <memory>
 
 class AppDelegate;
 class QQmlApplicationEngine;
 class QQuickWindow;
+class SingleInstance;
 
 // The phone-sized window and the QML engine that draws the application object's root.
 class AppWindow
@@ -19,6 +22,12 @@ public:
     ~AppWindow();
 
     bool load();
+    // Links another start on this home handed over are followed here, the window brought forward.
+    void followLinksFrom(SingleInstance &instance);
+    // Whether the window fills the screen rather than keeping its phone shape: on a phone (a
+    // screen whose shorter side is under 600 logical pixels, as phones' are and tablets' are not,
+    // or a phone shell: Phosh, Plasma Mobile).
+    static bool fillsScreen(const QSize &screen, const QString &desktop, const QString &plasmaPlatform);
     QQuickWindow *window() const;
     QQmlApplicationEngine &engine() { return *m_engine; }
     QImage grab() const;

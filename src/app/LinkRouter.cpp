@@ -17,6 +17,11 @@ bool LinkRouter::follow(const DeepLink &link, bool animated, QString *why)
             *why = reason;
         return false;
     };
+    // A link to nothing moves nothing: the screen the user is on stays.
+    if ((link.kind == DeepLink::Kind::Place || (link.kind == DeepLink::Kind::Map && link.id > 0)) && !m_search.hasPlace(link.id))
+        return fail(QStringLiteral("no place %1").arg(link.id));
+    if (link.kind == DeepLink::Kind::Province && !m_search.hasProvince(link.id))
+        return fail(QStringLiteral("no province %1").arg(link.id));
     switch (link.kind) {
     case DeepLink::Kind::Place:
         // The card goes on the search screen's stack, so back returns to the list.

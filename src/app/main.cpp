@@ -7,6 +7,7 @@
 #include "catalogue/Restaurants.h"
 #include "platform/Database.h"
 #include "platform/Paths.h"
+#include "platform/SingleInstance.h"
 #include "presentation/QuickItems.h"
 #include "presentation/UiDump.h"
 #include "update/UpdateChecker.h"
@@ -82,8 +83,21 @@ int main(int argc, char *argv[])
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("Velmora"));
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
+    // The desktop entry's name: how a shell ties the window to its launcher icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("app.velmora.Velmora"));
     if (!options.home.isEmpty())
         Paths::setRoot(options.home);
+
+    // A start on a home that is open already hands its link (or just "show yourself") to the
+    // running app and ends. Runs that report and quit stand alone.
+    SingleInstance instance(Paths::root());
+    if (!options.reportsAndQuits()) {
+        if (instance.handOver(options.link)) {
+            QTextStream(stdout) << "velmora: handed to the app already running on " << Paths::root() << "\n";
+            return 0;
+        }
+        instance.listen();
+    }
 
     AppDelegate delegate;
     delegate.didFinishLaunching();
@@ -98,6 +112,7 @@ int main(int argc, char *argv[])
     // reports its first frame gets the screen reached without a transition half done.
     if (!options.link.isEmpty())
         delegate.openLink(options.link, !options.reportsAndQuits());
+    window.followLinksFrom(instance);
 
     if (options.reportsAndQuits()) {
         // The main interface is reported once a frame shows the place list's rows, which are

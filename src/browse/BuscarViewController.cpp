@@ -353,6 +353,16 @@ bool BuscarViewController::openPlace(int id, bool animated)
     return m_lugaresVC && m_lugaresVC->showPlace(id, animated);
 }
 
+bool BuscarViewController::hasPlace(int id) const
+{
+    return id > 0 && m_restaurants.restaurantInfo(id).has_value();
+}
+
+bool BuscarViewController::hasProvince(int id) const
+{
+    return m_restaurants.province(id) != nullptr;
+}
+
 bool BuscarViewController::switchProvince(int id)
 {
     if (!m_restaurants.province(id))

@@ -55,6 +55,9 @@ public:
     // Where links lead, as a user would get there. Each answers false when it can't go there
     // (no such place or province, or the tab isn't offered in this province).
     bool openPlace(int id, bool animated);
+    // Whether the catalogue has the place, or the province (before any screen is moved to them).
+    bool hasPlace(int id) const;
+    bool hasProvince(int id) const;
     bool switchProvince(int id);
     void searchFor(const QString &text);
     bool showTabKind(const QString &kind);
