@@ -6,8 +6,10 @@ import Velmora
 Item {
     id: root
     required property WTDownloadViewController controller
+    implicitHeight: progress.height + 24 + actions.height
 
     Column {
+        id: progress
         anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
         spacing: 18
 
@@ -50,6 +52,7 @@ Item {
     }
 
     Column {
+        id: actions
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
         spacing: 14
         WalkthroughButton {

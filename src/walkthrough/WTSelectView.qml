@@ -5,8 +5,10 @@ import Velmora
 Item {
     id: root
     required property WTSelectViewController controller
+    implicitHeight: choices.height
 
     Column {
+        id: choices
         anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
         spacing: 22
 

@@ -9,6 +9,8 @@ import Velmora.RichText
 Item {
     id: root
     required property WTiTunesViewController controller
+    // Everything stacked with its gaps: what a short window scrolls through.
+    implicitHeight: card.height + 18 + actions.height + 14 + bottomButton.height
 
     Rectangle {
         id: card
@@ -43,6 +45,7 @@ Item {
     }
 
     Column {
+        id: actions
         anchors { left: parent.left; right: parent.right; top: card.bottom; topMargin: 18 }
         spacing: 14
 
@@ -88,6 +91,7 @@ Item {
     }
 
     WalkthroughButton {
+        id: bottomButton
         objectName: root.controller.ready ? "startButton" : "cancelButton"
         anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
         filled: root.controller.ready

@@ -12,30 +12,42 @@ Rectangle {
     color: "#d95b43"
     // The opening animation starts from the laid-out window, not from its first, empty size.
     property bool animated: false
+    // A phone held sideways: the title comes smaller and closer to the top, and the steps scroll.
+    readonly property bool compact: height < 560
 
     Text {
         id: splash
         objectName: "walkthroughSplash"
         anchors.horizontalCenter: parent.horizontalCenter
-        y: root.controller.firstTime ? root.height / 2 - height / 2 : root.height * 0.12
+        y: root.controller.firstTime ? root.height / 2 - height / 2 : root.compact ? 10 : root.height * 0.12
         Behavior on y { enabled: root.animated; SequentialAnimation { PauseAnimation { duration: 500 } NumberAnimation { duration: 800; easing.type: Easing.InOutQuad } } }
         text: "Velmora"
         color: "white"
-        font: Theme.font("OpenSans-Light", 44)
+        font: Theme.font("OpenSans-Light", root.compact ? 30 : 44)
         Accessible.role: Accessible.Heading
         Accessible.name: text
     }
 
-    Item {
+    // The steps, no wider than a phone held upright; taller than the window, they scroll.
+    Flickable {
         id: container
         objectName: "walkthroughContainer"
-        anchors { left: parent.left; right: parent.right; bottom: parent.bottom; top: splash.bottom; margins: 28; topMargin: 36 }
+        anchors {
+            left: parent.left; right: parent.right; bottom: parent.bottom; top: splash.bottom
+            leftMargin: Math.max(28, (root.width - 520) / 2); rightMargin: anchors.leftMargin
+            bottomMargin: root.compact ? 12 : 28; topMargin: root.compact ? 12 : 36
+        }
         opacity: root.controller.firstTime ? 0 : 1
         Behavior on opacity { enabled: root.animated; SequentialAnimation { PauseAnimation { duration: 1500 } NumberAnimation { duration: 800 } } }
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        contentWidth: width
+        contentHeight: Math.max(height, selectStep.visible ? selectStep.implicitHeight : copyStep.visible ? copyStep.implicitHeight
+                                                                                                   : downloadStep.implicitHeight)
 
-        WTSelectView { anchors.fill: parent; visible: root.controller.step === "select"; controller: root.controller.selectVC }
-        WTiTunesView { id: copyStep; anchors.fill: parent; visible: root.controller.step === "itunes"; controller: root.controller.itunesVC }
-        WTDownloadView { anchors.fill: parent; visible: root.controller.step === "download"; controller: root.controller.downloadVC }
+        WTSelectView { id: selectStep; width: container.width; height: container.contentHeight; visible: root.controller.step === "select"; controller: root.controller.selectVC }
+        WTiTunesView { id: copyStep; width: container.width; height: container.contentHeight; visible: root.controller.step === "itunes"; controller: root.controller.itunesVC }
+        WTDownloadView { id: downloadStep; width: container.width; height: container.contentHeight; visible: root.controller.step === "download"; controller: root.controller.downloadVC }
     }
 
     // Escape goes back from the copy step to the choice, as its Cancel does, unless the file
