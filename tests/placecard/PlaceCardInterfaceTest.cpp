@@ -273,6 +273,13 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 1; }, 2000));
     QTest::keyClick(window, Qt::Key_Right);
     ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 2; }, 2000));
+    // A finger on a touch screen pages on, and back.
+    QTest::qWait(400);
+    touchDrag(window, QPoint(320, 420), QPoint(-260, 0));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 3; }, 3000)) << "a touch swipe to the left";
+    QTest::qWait(600);
+    touchDrag(window, QPoint(60, 420), QPoint(260, 0));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gallery->currentPage() == 2; }, 3000)) << "a touch swipe to the right";
     QTest::qWait(600);
 
     // A double tap zooms in and another comes back; the wheel zooms too.
