@@ -76,6 +76,17 @@ QStringList layoutFaults(QQuickWindow *window)
                 faults << QStringLiteral("overlapping: ") + describe(controls.at(i).first, a) + QStringLiteral(" and ")
                               + describe(controls.at(j).first, b);
         }
+    // A bar's title stands in the middle of the window, whatever the buttons beside it.
+    findItemIf(window->contentItem(), [&](QQuickItem *title) {
+        if (title->objectName() != QLatin1String("navigationTitle") || !title->isVisible() || opacityOf(title) < 0.99)
+            return false;
+        const QRectF box = title->mapRectToScene(title->boundingRect());
+        const qreal drawn = box.left() + (box.width() - std::min(box.width(), title->property("contentWidth").toReal())) / 2;
+        const qreal centre = drawn + std::min(box.width(), title->property("contentWidth").toReal()) / 2;
+        if (bounds.contains(box.center()) && std::abs(centre - window->width() / 2.0) > 2)
+            faults << QStringLiteral("title off centre: \"%1\" centred at %2").arg(title->property("text").toString()).arg(centre);
+        return false;
+    });
     findItemIf(window->contentItem(), [&](QQuickItem *item) {
         if (!item->inherits("QQuickText") || !item->isVisible() || opacityOf(item) < 0.01)
             return false;
