@@ -87,7 +87,8 @@ void HitCollector::receive(const HttpIntake::Request &request, HttpIntake::Respo
                           std::move(respond)});
     if (!m_commitScheduled && (valid || rejected)) {
         m_commitScheduled = true;
-        QTimer::singleShot(0, Qt::PreciseTimer, [this] { commit(); });
+        // Tied to the intake, which goes with the collector: a commit never outlives it.
+        QTimer::singleShot(0, Qt::PreciseTimer, &m_intake, [this] { commit(); });
     }
 }
 
