@@ -62,6 +62,7 @@ bool AppWindow::fillsScreen(const QSize &screen, const QString &desktop, const Q
 void AppWindow::followLinksFrom(SingleInstance &instance)
 {
     QObject::connect(&instance, &SingleInstance::messageReceived, m_engine.get(), [this](const QString &link) {
+        qCInfo(lcApp).noquote() << "Another start handed over" << (link.isEmpty() ? QStringLiteral("nothing") : link);
         if (QQuickWindow *shown = window()) {
             shown->show();
             shown->raise();

@@ -17,6 +17,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 SKIP = 77
 
@@ -58,6 +59,40 @@ def traced_modules(app, home, env):
     trace = dict(env, QML_IMPORT_TRACE="1")
     result = run([app, "--home", home, "--self-test"], env=trace, timeout=60)
     return set(re.findall(r'"(/[^"]*/qml/[^"]*qmldir)"', result.stdout + result.stderr)), result
+
+
+def check_link_from_the_desktop(root, app, env, work):
+    """A velmora:// link opened the desktop's way (gio, as xdg-open does in a GNOME or Phosh
+    session) goes through the unpacked desktop entry to the app already running."""
+    if not (shutil.which("gio") and shutil.which("update-desktop-database")):
+        print("not checked: opening a link the desktop's way needs gio and update-desktop-database")
+        return
+    share = os.path.join(root, "usr/share")
+    run(["update-desktop-database", os.path.join(share, "applications")])
+    desktop = dict(env, XDG_DATA_DIRS=share, XDG_CURRENT_DESKTOP="GNOME",
+                   PATH=os.path.join(root, "usr/bin") + os.pathsep + os.environ.get("PATH", ""))
+    log_path = os.path.join(work, "running.log")
+    with open(log_path, "w") as log:
+        running = subprocess.Popen([app], env=desktop, stdout=log, stderr=subprocess.STDOUT)
+    try:
+        def said(text, seconds):
+            for _ in range(seconds * 10):
+                with open(log_path, encoding="utf-8", errors="replace") as log:
+                    if text in log.read():
+                        return True
+                time.sleep(0.1)
+            return False
+        if not said("Root:", 20):
+            fail("the installed app didn't start for the link test")
+        opened = run(["gio", "open", "velmora://place/12"], env=desktop, timeout=30)
+        if opened.returncode != 0:
+            fail("gio can't open velmora:// links with the package's desktop entry: " + opened.stderr)
+        if not said("Another start handed over velmora://place/12", 15):
+            fail("the link didn't reach the running app")
+        print("ok: a velmora:// link opened the desktop's way reached the running app")
+    finally:
+        running.terminate()
+        running.wait(10)
 
 
 def main():
@@ -133,6 +168,8 @@ def main():
         traced |= guide
         if not traced:
             fail("no QML module traced; QML_IMPORT_TRACE said nothing")
+
+        check_link_from_the_desktop(root, app, env, work)
 
         depends = run(["dpkg-deb", "-f", app_deb, "Depends"]).stdout
         declared = {re.split(r"[ (]", d.strip())[0] for d in depends.split(",")}
