@@ -15,6 +15,8 @@ set(ENV{TZ} UTC)
 # Nothing leaves the machine while the screenshots are drawn.
 set(ENV{VELMORA_UPDATE_URL} http://127.0.0.1:9/ios/last.txt)
 set(ENV{VELMORA_ANALYTICS_URL} http://127.0.0.1:9/)
+# No DNS-SD browse either: the machine's system bus (and its avahi-daemon) is out of reach.
+set(ENV{DBUS_SYSTEM_BUS_ADDRESS} unix:path=/nonexistent/velmora-screenshots)
 # A place of the capital with a menu and photographs.
 foreach(shot "list=" "place=velmora://place/1729" "map=velmora://map")
   string(REGEX REPLACE "=.*" "" name "${shot}")

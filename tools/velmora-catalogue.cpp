@@ -32,6 +32,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -43,14 +44,14 @@ const char usage[] = R"(usage:
   velmora-catalogue publish NEW.db [OLD.db ...] --to DIR --base-url URL [--key SECRET]
   velmora-catalogue keygen -o DIR
   velmora-catalogue verify FILE --pub KEY
-  velmora-catalogue serve DIR [--port N] [--name NAME] [--priority P] [--advertise]
+  velmora-catalogue serve DIR [--port N] [--listen ADDRESS] [--name NAME] [--priority P] [--advertise]
   velmora-catalogue info FILE
   velmora-catalogue query FILE search TEXT
   velmora-catalogue query FILE list --province ID [--text T] [--municipality ID]... [--cuisine ID]...
                                     [--price ID]... [--show-closed]
   velmora-catalogue query FILE place ID
   velmora-catalogue basemap -o FILE.mbtiles [--max-zoom Z] [--resolution c|l|i|h|f]
-  velmora-catalogue collect --db FILE|sqlite:FILE|postgresql://... [--port N]
+  velmora-catalogue collect --db FILE|sqlite:FILE|postgresql://... [--port N] [--listen ADDRESS]
   velmora-catalogue hits [--db] FILE|sqlite:FILE|postgresql://...
 )";
 
@@ -250,19 +251,35 @@ int info(const QStringList &arguments)
     return error.isEmpty() ? 0 : fail(error);
 }
 
+// Where a server listens: every address of the machine, or the one --listen names (127.0.0.1
+// keeps it to this machine). Nothing, with the arguments' error set, for one that isn't an address.
+std::optional<QHostAddress> listenAddress(Arguments &args)
+{
+    if (!args.options.contains(QStringLiteral("--listen")))
+        return QHostAddress(QHostAddress::Any);
+    const QHostAddress address(args.value(QStringLiteral("--listen")));
+    if (address.isNull()) {
+        args.error = QStringLiteral("--listen needs an IP address, not \"%1\"").arg(args.value(QStringLiteral("--listen")));
+        return std::nullopt;
+    }
+    return address;
+}
+
 // Serves a published tree on the local network until stopped; prints where, once listening.
 int serve(const QStringList &arguments)
 {
-    Arguments args(arguments, {QStringLiteral("--port"), QStringLiteral("--name"), QStringLiteral("--priority")},
+    Arguments args(arguments, {QStringLiteral("--port"), QStringLiteral("--listen"), QStringLiteral("--name"), QStringLiteral("--priority")},
                    {QStringLiteral("--advertise")});
     bool portOk = true, priorityOk = true;
     const int port = args.options.contains(QStringLiteral("--port")) ? args.value(QStringLiteral("--port")).toInt(&portOk) : 0;
     const int priority = args.options.contains(QStringLiteral("--priority")) ? args.value(QStringLiteral("--priority")).toInt(&priorityOk) : 500;
-    if (!args.error.isEmpty() || args.positional.size() != 1 || !portOk || port < 0 || port > 65535 || !priorityOk)
-        return fail(args.error.isEmpty() ? QStringLiteral("serve DIR [--port N] [--name NAME] [--priority P] [--advertise]") : args.error);
+    const std::optional<QHostAddress> address = listenAddress(args);
+    if (!args.error.isEmpty() || args.positional.size() != 1 || !portOk || port < 0 || port > 65535 || !priorityOk || !address)
+        return fail(args.error.isEmpty() ? QStringLiteral("serve DIR [--port N] [--listen ADDRESS] [--name NAME] [--priority P] [--advertise]")
+                                         : args.error);
     UpdateServer server(args.positional.first());
     QString error;
-    const quint16 listening = server.listen(QHostAddress::Any, quint16(port), &error);
+    const quint16 listening = server.listen(*address, quint16(port), &error);
     if (!listening)
         return fail(error);
     const QString name = args.options.contains(QStringLiteral("--name")) ? args.value(QStringLiteral("--name"))
@@ -279,17 +296,18 @@ int serve(const QStringList &arguments)
 // file or a PostgreSQL database.
 int collect(const QStringList &arguments)
 {
-    Arguments args(arguments, {QStringLiteral("--port"), QStringLiteral("--db")}, {});
+    Arguments args(arguments, {QStringLiteral("--port"), QStringLiteral("--listen"), QStringLiteral("--db")}, {});
     bool portOk = true;
     const int port = args.options.contains(QStringLiteral("--port")) ? args.value(QStringLiteral("--port")).toInt(&portOk) : 0;
+    const std::optional<QHostAddress> address = listenAddress(args);
     if (!args.error.isEmpty() || !args.positional.isEmpty() || args.value(QStringLiteral("--db")).isEmpty() || !portOk || port < 0
-        || port > 65535)
-        return fail(args.error.isEmpty() ? QStringLiteral("collect --db FILE|postgresql://... [--port N]") : args.error);
+        || port > 65535 || !address)
+        return fail(args.error.isEmpty() ? QStringLiteral("collect --db FILE|postgresql://... [--port N] [--listen ADDRESS]") : args.error);
     HitCollector collector(args.value(QStringLiteral("--db")));
     QString error;
     if (!collector.open(&error))
         return fail(error);
-    const quint16 listening = collector.listen(QHostAddress::Any, quint16(port), &error);
+    const quint16 listening = collector.listen(*address, quint16(port), &error);
     if (!listening)
         return fail(error);
     QTextStream(stdout) << "collecting into " << collector.describe() << " on port " << listening << Qt::endl;
@@ -406,7 +424,7 @@ int main(int argc, char *argv[])
                                       QStringLiteral("--date"), QStringLiteral("--municipality"), QStringLiteral("--places"),
                                       QStringLiteral("--price"), QStringLiteral("--province"), QStringLiteral("--seed"),
                                       QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to"),
-                                      QStringLiteral("--port"), QStringLiteral("--name"), QStringLiteral("--priority"),
+                                      QStringLiteral("--port"), QStringLiteral("--listen"), QStringLiteral("--name"), QStringLiteral("--priority"),
                                       QStringLiteral("--advertise"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution"),
                                       QStringLiteral("--db"), QStringLiteral("--key"), QStringLiteral("--pub")};
     for (qsizetype i = 0; i < arguments.size(); ++i) {

@@ -172,7 +172,8 @@ int main(int argc, char *argv[])
     const QString collected = dir.filePath(QStringLiteral("collected.sqlite"));
     const QString store = dir.filePath(QStringLiteral("hits.sqlite"));
     QProcess collector;
-    collector.start(tool, {QStringLiteral("collect"), QStringLiteral("--db"), collected, QStringLiteral("--port"), QStringLiteral("0")});
+    collector.start(tool, {QStringLiteral("collect"), QStringLiteral("--db"), collected, QStringLiteral("--port"), QStringLiteral("0"),
+                             QStringLiteral("--listen"), QStringLiteral("127.0.0.1")});
     if (!collector.waitForReadyRead(10000)) {
         out << "the collector did not start: " << collector.readAllStandardError() << Qt::endl;
         return 1;

@@ -1,6 +1,9 @@
 #include "app/SideDrawer.h"
 #include "fixtures/DemoWindow.h"
 
+#include <QGuiApplication>
+#include <QStyleHints>
+
 // A phone is used by touch: the gestures of the list and the drawer driven by touch points, as a
 // touch screen sends them, not by a mouse. (The map's pinch and the gallery's swipe are touched
 // in their own screens' tests.)
@@ -28,10 +31,14 @@ TEST(Touch, TheOpenDrawerFollowsTheFinger)
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
     SideDrawer *drawer = ui.delegate->drawer();
+    // Taps the menu button once the content takes taps, and waits until the menu has slid open and
+    // the drawer takes drags.
     const auto openMenu = [&] {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return drawer->contentInteractive(); }, 3000));
         tap(window, ui.item("barButton-menu"));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return drawer->isMenuVisible() && drawer->offset() > 200; }, 2000));
-        QTest::qWait(300);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return drawer->isMenuVisible() && drawer->offset() == drawer->menuWidth() && drawer->recognizersAttached(); }, 3000));
+        // A finger coming down again sooner would make a double tap of the two.
+        QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval());
         return int(drawer->offset());
     };
     const int open = openMenu();
@@ -44,13 +51,15 @@ TEST(Touch, TheOpenDrawerFollowsTheFinger)
         QTest::qWait(16);
         QTest::touchEvent(window, touchscreen).move(0, onContent - QPoint(10 * step, 0));
     }
+    // Qt Quick hands a touch's moves on with the next frame: the last one may still be on its way.
+    QTest::qWaitFor([&] { return std::abs(drawer->offset() - (open - 100)) <= 8; }, 1000);
     EXPECT_NEAR(drawer->offset(), open - 100, 8) << "the content under the finger moves with it";
     QTest::touchEvent(window, touchscreen).release(0, onContent - QPoint(100, 0));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !drawer->isMenuVisible() && drawer->offset() == 0; }, 2000)) << "lifted moving left: closed";
 
     openMenu();
     touchDrag(window, onContent, QPoint(30, 0));
-    QTest::qWait(400);
+    QTest::qWaitFor([&] { return drawer->offset() == open; }, 3000);
     EXPECT_TRUE(drawer->isMenuVisible()) << "lifted moving right: still open";
     EXPECT_NEAR(drawer->offset(), open, 1.0);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/Restaurants.h"
 #include "fixtures/CatalogueFixture.h"
+#include "fixtures/ServiceProcesses.h"
 #include "platform/Compression.h"
 #include "platform/Database.h"
 #include "platform/ZipArchive.h"
@@ -397,13 +398,9 @@ TEST(Toolkit, CollectReceivesHitsAndHitsSummarisesThem)
 {
     QTemporaryDir dir;
     const QString db = dir.filePath(QStringLiteral("collected.sqlite"));
-    QProcess collector;
-    collector.start(QString::fromLatin1(tool), {QStringLiteral("collect"), QStringLiteral("--db"), db, QStringLiteral("--port"), QStringLiteral("0")});
-    ASSERT_TRUE(collector.waitForReadyRead(10000)) << collector.readAllStandardError().constData();
-    const QByteArray started = collector.readAllStandardOutput();
-    const QByteArray port = started.mid(started.lastIndexOf(' ') + 1).trimmed();
-    ASSERT_GT(port.toInt(), 0) << started.constData();
-    const QByteArray base = "http://127.0.0.1:" + port;
+    CollectorProcess collector(QString::fromLatin1(tool), db);
+    ASSERT_TRUE(collector.isRunning()) << collector.errors().constData();
+    const QByteArray base = "http://127.0.0.1:" + QByteArray::number(collector.port());
 
     QNetworkAccessManager network;
     const auto ask = [&network](const QNetworkRequest &request, const QByteArray &method, const QByteArray &body = {}) {
@@ -423,7 +420,6 @@ TEST(Toolkit, CollectReceivesHitsAndHitsSummarisesThem)
     EXPECT_EQ(ask(QNetworkRequest(QUrl(QString::fromLatin1(base + "/elsewhere"))), "GET"), 404);
     EXPECT_EQ(ask(QNetworkRequest(QUrl(QString::fromLatin1(base + "/batch"))), "GET"), 405);
     collector.kill();
-    collector.waitForFinished();
 
     const ToolRun summary = runTool({QStringLiteral("hits"), db});
     ASSERT_EQ(summary.exitCode, 0) << summary.err.constData();

@@ -17,6 +17,8 @@ fi
 ip link set lo up && ip link set lo multicast on || skip "can't bring up loopback in the namespace"
 mount -t tmpfs tmpfs /run || skip "can't mount a private /run"
 mkdir -p /run/dbus /run/avahi-daemon
+# The tests' environment hides the machine's system bus; in here the bus is the namespace's own.
+export DBUS_SYSTEM_BUS_ADDRESS=unix:path=/run/dbus/system_bus_socket
 conf=$(mktemp -d)
 cat > "$conf/avahi-daemon.conf" <<'CONF'
 [server]

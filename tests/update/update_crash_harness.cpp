@@ -169,9 +169,9 @@ int main(int argc, char **argv)
     const QString oldCatalogue = work.filePath(QStringLiteral("old/velmora-") + oldDate + QStringLiteral(".db"));
     const QString newCatalogue = work.filePath(QStringLiteral("new/velmora-") + newDate + QStringLiteral(".db"));
 
-    // The toolkit's own server, on a free port of 127.0.0.1's machine.
+    // The toolkit's own server, on a free port of 127.0.0.1.
     QProcess server;
-    server.start(options.tool, {QStringLiteral("serve"), root});
+    server.start(options.tool, {QStringLiteral("serve"), root, QStringLiteral("--listen"), QStringLiteral("127.0.0.1")});
     if (!server.waitForReadyRead(10000))
         return 1;
     const QByteArray banner = server.readAllStandardOutput();

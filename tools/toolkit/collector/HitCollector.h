@@ -25,7 +25,6 @@
 class HitCollector
 {
 public:
-    static constexpr qsizetype maxHitBytes = CollectedHit::maxBytes;
     static constexpr qsizetype maxBodyBytes = 256 * 1024;
     static constexpr qsizetype maxInflatedBytes = 1024 * 1024;
     // Hits of one transaction at most; a larger burst is written in several.

@@ -33,10 +33,13 @@ QList<CollectedHit> HitSink::mergeCopies(const QList<CollectedHit> &hits)
 
 bool HitSink::summarise(const Rows &rows, const std::function<QString(const QString &)> &dayOf, QJsonObject &out, QString *error)
 {
-    const std::pair<const char *, QString> queries[] = {
+    // A number each, then a count per key each.
+    const std::pair<const char *, QString> numbers[] = {
         {"total", QStringLiteral("SELECT '', count(*) FROM hits")},
         {"rejected", QStringLiteral("SELECT '', coalesce(sum(count), 0) FROM rejected")},
         {"duplicates", QStringLiteral("SELECT '', coalesce(sum(copies - 1), 0) FROM hits")},
+    };
+    const std::pair<const char *, QString> counts[] = {
         {"types", QStringLiteral("SELECT hit_type, count(*) FROM hits GROUP BY 1 ORDER BY 1")},
         {"events", QStringLiteral("SELECT category || ' / ' || action || ' / ' || coalesce(label, ''), count(*)"
                                   " FROM hits WHERE hit_type = 'event' GROUP BY 1 ORDER BY 1")},
@@ -44,21 +47,24 @@ bool HitSink::summarise(const Rows &rows, const std::function<QString(const QStr
         {"days", QStringLiteral("SELECT %1, count(*) FROM hits GROUP BY 1 ORDER BY 1").arg(dayOf(QStringLiteral("coalesce(hit_time, received)")))},
     };
     QJsonObject summary;
-    for (const auto &[name, sql] : queries) {
+    for (const auto &[name, sql] : numbers) {
         const auto result = rows(sql);
-        if (!result) {
-            *error = QStringLiteral("can't summarise the hits");
-            return false;
-        }
-        const bool single = sql.startsWith(QLatin1String("SELECT '',"));
-        if (single) {
-            summary.insert(QLatin1String(name), result->isEmpty() ? 0 : result->first().second);
-            continue;
-        }
-        QJsonObject counts;
+        if (!result)
+            break;
+        summary.insert(QLatin1String(name), result->isEmpty() ? 0 : result->first().second);
+    }
+    for (const auto &[name, sql] : counts) {
+        const auto result = rows(sql);
+        if (!result)
+            break;
+        QJsonObject perKey;
         for (const auto &[key, count] : *result)
-            counts.insert(key, count);
-        summary.insert(QLatin1String(name), counts);
+            perKey.insert(key, count);
+        summary.insert(QLatin1String(name), perKey);
+    }
+    if (summary.size() != int(std::size(numbers) + std::size(counts))) {
+        *error = QStringLiteral("can't summarise the hits");
+        return false;
     }
     out = summary;
     return true;
