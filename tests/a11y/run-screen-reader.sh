@@ -5,7 +5,7 @@
 set -uo pipefail
 app=$1 demo=$2 texts=$3
 here=$(cd "$(dirname "$0")" && pwd)
-for tool in xvfb-run dbus-run-session xdotool /usr/libexec/at-spi-bus-launcher; do
+for tool in Xvfb dbus-run-session xdotool /usr/libexec/at-spi-bus-launcher; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is missing (scripts/setup installs it)"; exit 77; }
 done
 /usr/bin/python3 -c "import pyatspi" 2>/dev/null || { echo "SKIP: python3-pyatspi is missing (scripts/setup installs it)"; exit 77; }
@@ -20,8 +20,17 @@ cp "$demo"/velmora-*.db "$home/Documents/"
 # X is run without them (the unit tests, on the offscreen platform, keep them).
 [ -n "${ASAN_OPTIONS:-}" ] && export ASAN_OPTIONS="$ASAN_OPTIONS:strict_string_checks=0"
 
+# Xvfb picks a free display itself and writes its number once it accepts connections, so two
+# virtual displays never race for one number and the app never starts before its display is up.
+exec 3< <(Xvfb -displayfd 1 -screen 0 600x900x24 -nolisten tcp 2>"$home/xvfb.log")
+xvfb=$!
+read -r -t 30 display <&3 || { echo "FAIL: the virtual display did not start"; cat "$home/xvfb.log"; exit 1; }
+trap 'kill $xvfb 2>/dev/null; wait $xvfb 2>/dev/null; rm -rf "$home"' EXIT
+export DISPLAY=":$display"
+xdotool getdisplaygeometry >/dev/null || { echo "FAIL: display $DISPLAY does not answer"; exit 1; }
+
 export app home here texts
-xvfb-run -a -s "-screen 0 600x900x24" dbus-run-session -- bash -c '
+dbus-run-session -- bash -c '
   export QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
   /usr/libexec/at-spi-bus-launcher --launch-immediately &
   bus=$!
