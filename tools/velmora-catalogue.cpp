@@ -6,6 +6,8 @@
 #include "toolkit/CatalogueData.h"
 #include "toolkit/CatalogueWriter.h"
 #include "toolkit/DemoGenerator.h"
+#include "toolkit/DemoStreetMap.h"
+#include "toolkit/StreetMap.h"
 #include "toolkit/CatalogueQueries.h"
 #include "toolkit/PatchBuilder.h"
 #include "toolkit/Publisher.h"
@@ -39,7 +41,7 @@ namespace {
 const char usage[] = R"(usage:
   velmora-catalogue --help | --version
   velmora-catalogue build SOURCE.json -o OUT.db
-  velmora-catalogue demo -o DIR [--places N] [--seed S] [--date YYYYMMDD]
+  velmora-catalogue demo -o DIR [--places N] [--seed S] [--date YYYYMMDD] [--streets FILE.osm]
   velmora-catalogue patch OLD.db NEW.db -o OUT.zip
   velmora-catalogue publish NEW.db [OLD.db ...] --to DIR --base-url URL [--key SECRET]
   velmora-catalogue keygen -o DIR
@@ -51,6 +53,7 @@ const char usage[] = R"(usage:
                                     [--price ID]... [--show-closed]
   velmora-catalogue query FILE place ID
   velmora-catalogue basemap -o FILE.mbtiles [--max-zoom Z] [--resolution c|l|i|h|f]
+  velmora-catalogue basemap --osm EXTRACT.osm.pbf -o FILE.mbtiles [--max-zoom Z]
   velmora-catalogue collect --db FILE|sqlite:FILE|postgresql://... [--port N] [--listen ADDRESS]
   velmora-catalogue hits [--db] FILE|sqlite:FILE|postgresql://...
 )";
@@ -124,9 +127,12 @@ int build(const QStringList &arguments)
 
 int demo(const QStringList &arguments)
 {
-    Arguments args(arguments, {QStringLiteral("-o"), QStringLiteral("--places"), QStringLiteral("--seed"), QStringLiteral("--date")}, {});
+    Arguments args(arguments,
+                   {QStringLiteral("-o"), QStringLiteral("--places"), QStringLiteral("--seed"), QStringLiteral("--date"), QStringLiteral("--streets")},
+                   {});
     if (!args.error.isEmpty() || !args.positional.isEmpty() || args.value(QStringLiteral("-o")).isEmpty())
-        return fail(args.error.isEmpty() ? QStringLiteral("demo -o DIR [--places N] [--seed S] [--date YYYYMMDD]") : args.error);
+        return fail(args.error.isEmpty() ? QStringLiteral("demo -o DIR [--places N] [--seed S] [--date YYYYMMDD] [--streets FILE.osm]")
+                                         : args.error);
     DemoOptions options;
     bool ok = true;
     if (args.options.contains(QStringLiteral("--places")))
@@ -143,6 +149,8 @@ int demo(const QStringList &arguments)
     }
     QElapsedTimer timer;
     timer.start();
+    // With GMT the towns, and so the places, stand on the country's land.
+    options.onLand = countryLand();
     const CatalogueData data = makeDemo(options);
     const QString path = args.value(QStringLiteral("-o")) + QStringLiteral("/velmora-%1.db").arg(CatalogueDates::formatCompact(options.date));
     QString error;
@@ -152,6 +160,14 @@ int demo(const QStringList &arguments)
     if (!writeCatalogue(data, path, &error))
         return fail(error);
     QJsonObject info = catalogueInfo(path, &error);
+    if (args.options.contains(QStringLiteral("--streets"))) {
+        DemoStreetMapStats streets;
+        if (!writeDemoStreetMap(demoTowns(options.onLand), args.value(QStringLiteral("--streets")), streets, &error))
+            return fail(error);
+        info.insert(QStringLiteral("streets"), QJsonObject{{QStringLiteral("file"), args.value(QStringLiteral("--streets"))},
+                                                           {QStringLiteral("nodes"), streets.nodes},
+                                                           {QStringLiteral("ways"), streets.ways}});
+    }
     info.insert(QStringLiteral("bytes"), QFileInfo(path).size());
     info.insert(QStringLiteral("milliseconds"), timer.elapsed());
     return report(info);
@@ -368,10 +384,42 @@ int query(const QStringList &arguments)
     return fail(QStringLiteral("query FILE search|list|place ..."));
 }
 
+QJsonObject zoomCounts(const QMap<int, int> &counts)
+{
+    QJsonObject perZoom;
+    for (auto it = counts.cbegin(); it != counts.cend(); ++it)
+        perZoom.insert(QString::number(it.key()), it.value());
+    return perZoom;
+}
+
+// The street map: vector tiles of an OpenStreetMap extract, made by tilemaker.
+int streetmap(const Arguments &args)
+{
+    StreetMapOptions options;
+    bool ok = true;
+    if (args.options.contains(QStringLiteral("--max-zoom")))
+        options.maxZoom = args.value(QStringLiteral("--max-zoom")).toInt(&ok);
+    if (!ok || args.value(QStringLiteral("-o")).isEmpty() || args.options.contains(QStringLiteral("--resolution")))
+        return fail(QStringLiteral("basemap --osm EXTRACT.osm.pbf -o FILE.mbtiles [--max-zoom Z]"));
+    StreetMapStats stats;
+    QString error;
+    if (!writeStreetMap(args.value(QStringLiteral("--osm")), args.value(QStringLiteral("-o")), options, stats, &error))
+        return fail(error);
+    return report(QJsonObject{{QStringLiteral("file"), args.value(QStringLiteral("-o"))},
+                              {QStringLiteral("extract"), args.value(QStringLiteral("--osm"))},
+                              {QStringLiteral("maxZoom"), options.maxZoom},
+                              {QStringLiteral("tiles"), stats.tiles},
+                              {QStringLiteral("tilesPerZoom"), zoomCounts(stats.tilesPerZoom)},
+                              {QStringLiteral("bytes"), stats.bytes},
+                              {QStringLiteral("milliseconds"), stats.milliseconds}});
+}
+
 // Renders the base map's tiles with GMT's shapes (GMT is needed here only, never by the app).
 int basemap(const QStringList &arguments)
 {
-    Arguments args(arguments, {QStringLiteral("-o"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution")}, {});
+    Arguments args(arguments, {QStringLiteral("-o"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution"), QStringLiteral("--osm")}, {});
+    if (args.error.isEmpty() && args.positional.isEmpty() && args.options.contains(QStringLiteral("--osm")))
+        return streetmap(args);
     BaseMapOptions options;
     bool ok = true;
     if (args.options.contains(QStringLiteral("--max-zoom")))
@@ -386,15 +434,12 @@ int basemap(const QStringList &arguments)
     QString error;
     if (!loadBaseMapData(options, data, &error) || !writeBaseMap(data, options, args.value(QStringLiteral("-o")), stats, &error))
         return fail(error);
-    QJsonObject perZoom;
-    for (auto it = stats.tilesPerZoom.cbegin(); it != stats.tilesPerZoom.cend(); ++it)
-        perZoom.insert(QString::number(it.key()), it.value());
     return report(QJsonObject{{QStringLiteral("file"), args.value(QStringLiteral("-o"))},
                               {QStringLiteral("maxZoom"), options.maxZoom},
                               {QStringLiteral("resolution"), options.resolution},
                               {QStringLiteral("tiles"), stats.tiles},
                               {QStringLiteral("images"), stats.images},
-                              {QStringLiteral("tilesPerZoom"), perZoom},
+                              {QStringLiteral("tilesPerZoom"), zoomCounts(stats.tilesPerZoom)},
                               {QStringLiteral("bytes"), stats.bytes},
                               {QStringLiteral("milliseconds"), stats.milliseconds}});
 }
@@ -426,7 +471,8 @@ int main(int argc, char *argv[])
                                       QStringLiteral("--show-closed"), QStringLiteral("--text"), QStringLiteral("--to"),
                                       QStringLiteral("--port"), QStringLiteral("--listen"), QStringLiteral("--name"), QStringLiteral("--priority"),
                                       QStringLiteral("--advertise"), QStringLiteral("--max-zoom"), QStringLiteral("--resolution"),
-                                      QStringLiteral("--db"), QStringLiteral("--key"), QStringLiteral("--pub")};
+                                      QStringLiteral("--db"), QStringLiteral("--key"), QStringLiteral("--pub"), QStringLiteral("--osm"),
+                                      QStringLiteral("--streets")};
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         const bool valueOfText = i > 0 && arguments.at(i - 1) == QLatin1String("--text");

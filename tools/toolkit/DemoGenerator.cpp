@@ -2,6 +2,7 @@
 
 #include "DemoGeography.h"
 #include "DemoPictures.h"
+#include "DemoTowns.h"
 #include "catalogue/CatalogueDates.h"
 
 #include <QSet>
@@ -49,18 +50,11 @@ const char *const namesakes[] = {"Ñico",       "Doña Rosa", "Los Abuelos", "La
                                  "Los Tres Reyes", "La Guitarra", "El Almendro", "La Palmita", "El Framboyán", "Casa Tomasa",
                                  "La Brisa Marina", "El Cafetal", "La Yagruma", "El Mirador del Sur", "La Tinaja",
                                  "Los Abanicos", "El Quitrín", "La Mulata", "El Zunzún", "La Lisa Dorada", "Doña Juana"};
-const char *const streets[] = {"Obispo", "Calle 23", "San Rafael", "Neptuno", "Línea", "Calle 17", "Martí", "Maceo",
-                               "Independencia", "Gómez", "Agramonte", "Céspedes", "Calle Real", "Avenida 5ta", "Prado"};
 
 template <typename T, size_t N>
 const T &pick(std::mt19937 &random, const T (&items)[N])
 {
     return items[random() % N];
-}
-
-double unitInterval(std::mt19937 &random)
-{
-    return double(random()) / double(std::mt19937::max());
 }
 
 bool chance(std::mt19937 &random, int percent)
@@ -146,6 +140,10 @@ CatalogueData makeDemo(const DemoOptions &options)
     for (int i = 0; i < 8; ++i)
         terraces.append(DemoPictures::terrace(random, 600, 300));
 
+    const QList<DemoTown> towns = demoTowns(options.onLand);
+    QHash<int, int> townIndex; // a province's first town
+    for (int t = towns.size() - 1; t >= 0; --t)
+        townIndex.insert(towns.at(t).province, t);
     QSet<QString> usedNames;
     int galleryId = 1;
     int menuId = 1;
@@ -163,14 +161,8 @@ CatalogueData makeDemo(const DemoOptions &options)
         if (usedNames.contains(name))
             name += QStringLiteral(" %1").arg(id);
         usedNames.insert(name);
-        // A Cuban address: the street, the number, and the two streets it lies between.
-        const QString street = s(pick(random, streets));
-        QString between = street;
-        QString andStreet = street;
-        while (between == street)
-            between = s(pick(random, streets));
-        while (andStreet == street || andStreet == between)
-            andStreet = s(pick(random, streets));
+        // A Cuban address in the municipality's town, and the point on its street it names.
+        const DemoAddress address = demoAddress(towns.at(townIndex.value(province) + municipality % 100 - 1), random);
         const int cuisine = 1 + int(random() % std::size(cuisines));
         const int opensAt = 8 + int(random() % 5);
         const int closesAt = 21 + int(random() % 3);
@@ -179,10 +171,7 @@ CatalogueData makeDemo(const DemoOptions &options)
             {QStringLiteral("id"), id},
             {QStringLiteral("name"), name},
             {QStringLiteral("search_name"), searchName(name)},
-            {QStringLiteral("address"), QStringLiteral("%1 No. %2 e/ %3 y %4")
-                                            .arg(street)
-                                            .arg(1 + random() % 600)
-                                            .arg(between, andStreet)},
+            {QStringLiteral("address"), address.text()},
             {QStringLiteral("phone"), chance(random, 85) ? QStringLiteral("7%1").arg(8000000 + random() % 999999)
                                                          : QString()},
             {QStringLiteral("email"), chance(random, 40) ? QStringLiteral("reservas%1@demo.velmora.app").arg(id) : QString()},
@@ -190,8 +179,8 @@ CatalogueData makeDemo(const DemoOptions &options)
             {QStringLiteral("price_rank_id"), 2 + int(random() % std::size(priceRanks))},
             {QStringLiteral("rest_group_id"), 1 + int(random() % std::size(groups))},
             {QStringLiteral("oof"), closed ? 1 : 0},
-            {QStringLiteral("latitud"), where.latitude + (unitInterval(random) - 0.5) * 0.3},
-            {QStringLiteral("longitud"), where.longitude + (unitInterval(random) - 0.5) * 0.4},
+            {QStringLiteral("latitud"), address.latitude},
+            {QStringLiteral("longitud"), address.longitude},
             {QStringLiteral("horario"), QStringLiteral("De %1:00 a %2:00, todos los días").arg(opensAt).arg(closesAt)},
             {QStringLiteral("horario_en"), QStringLiteral("%1 to %2, every day").arg(englishHour(opensAt), englishHour(closesAt))},
             {QStringLiteral("description"),

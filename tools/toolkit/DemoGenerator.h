@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CatalogueData.h"
+#include "DemoTowns.h"
 
 #include <QDate>
 
@@ -8,6 +9,8 @@ struct DemoOptions {
     int places = 2000;
     quint32 seed = 1;
     QDate date = QDate(2026, 11, 1);
+    // Keeps the towns, and so every place, on land.
+    LandTest onLand;
 };
 
 // A plausible guide to the whole country, the same for the same options: every province and
