@@ -11,6 +11,8 @@ Q_LOGGING_CATEGORY(lcMapTiles, "velmora.map")
 
 MBTilesPack::MBTilesPack() = default;
 MBTilesPack::~MBTilesPack() = default;
+MBTilesPack::MBTilesPack(MBTilesPack &&) noexcept = default;
+MBTilesPack &MBTilesPack::operator=(MBTilesPack &&) noexcept = default;
 
 namespace {
 
@@ -59,8 +61,10 @@ bool MBTilesPack::open(const QString &path, const QRectF &expectedRegion, QStrin
     if (!read)
         return refuse(database->lastErrorMessage());
     const QString format = metadata.value(QStringLiteral("format"), QStringLiteral("png"));
-    if (format != QLatin1String("png") && format != QLatin1String("jpg") && format != QLatin1String("jpeg") && format != QLatin1String("webp"))
-        return refuse(QStringLiteral("tiles of format \"%1\" are not pictures").arg(format));
+    const bool vector = format == QLatin1String("pbf");
+    if (!vector && format != QLatin1String("png") && format != QLatin1String("jpg") && format != QLatin1String("jpeg")
+        && format != QLatin1String("webp"))
+        return refuse(QStringLiteral("tiles of format \"%1\" are neither pictures nor vector tiles").arg(format));
     int minZoom = -1, maxZoom = -1;
     database->forEachRow(QStringLiteral("SELECT MIN(zoom_level), MAX(zoom_level) FROM tiles"), {}, [&](const ResultSet &row) {
         if (!row.columnIsNull(0)) {
@@ -80,11 +84,12 @@ bool MBTilesPack::open(const QString &path, const QRectF &expectedRegion, QStrin
     m_path = path;
     m_minZoom = minZoom;
     m_maxZoom = maxZoom;
+    m_vector = vector;
     m_loggedBadTile = false;
     return true;
 }
 
-QImage MBTilesPack::tile(int zoom, int column, int row)
+QByteArray MBTilesPack::tileData(int zoom, int column, int row)
 {
     if (!m_database || zoom < m_minZoom || zoom > m_maxZoom || column < 0 || row < 0 || column >= (1 << zoom) || row >= (1 << zoom))
         return {};
@@ -94,6 +99,12 @@ QImage MBTilesPack::tile(int zoom, int column, int row)
                                data = result.dataForColumn(0);
                                return false;
                            });
+    return data;
+}
+
+QImage MBTilesPack::tile(int zoom, int column, int row)
+{
+    const QByteArray data = tileData(zoom, column, row);
     if (data.isEmpty())
         return {};
     QImage image = QImage::fromData(data);
@@ -105,8 +116,10 @@ QImage MBTilesPack::tile(int zoom, int column, int row)
     return image;
 }
 
-QString MBTilesPack::findIn(const QString &directory)
+QStringList MBTilesPack::findIn(const QString &directory)
 {
-    const QStringList names = QDir(directory).entryList({QStringLiteral("*.mbtiles")}, QDir::Files | QDir::Readable, QDir::Name);
-    return names.isEmpty() ? QString() : QDir(directory).filePath(names.first());
+    QStringList paths;
+    for (const QString &name : QDir(directory).entryList({QStringLiteral("*.mbtiles")}, QDir::Files | QDir::Readable, QDir::Name))
+        paths.append(QDir(directory).filePath(name));
+    return paths;
 }

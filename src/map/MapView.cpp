@@ -24,6 +24,8 @@ const QColor backgroundColor(0xec, 0xe8, 0xdf);
 const QColor gridColor(0xd6, 0xd0, 0xc3);
 // Tile pictures kept as textures beyond those on screen, so panning back costs nothing.
 constexpr int keptTextures = 160;
+// Street pictures are drawn for each display zoom and carry labels, so fewer are kept.
+constexpr int keptStreetTextures = 48;
 
 quint64 tileKey(int zoom, int column, int row) { return (quint64(zoom) << 48) | (quint64(column) << 24) | quint64(row); }
 
@@ -31,17 +33,49 @@ quint64 tileKey(int zoom, int column, int row) { return (quint64(zoom) << 48) | 
 class MapRootNode : public QSGNode
 {
 public:
-    ~MapRootNode() override { qDeleteAll(textures); }
+    ~MapRootNode() override
+    {
+        qDeleteAll(textures);
+        qDeleteAll(streetTextures);
+    }
 
     QSGRectangleNode *background = nullptr;
     QSGNode *grid = nullptr;
     QSGNode *tiles = nullptr;
+    QSGNode *streets = nullptr;
+    QHash<quint64, QSGTexture *> streetTextures;
+    QHash<quint64, quint64> streetLastUsed;
+    qreal streetRatio = 0;
     QSGImageNode *pins = nullptr;
     QHash<quint64, QSGTexture *> textures;
     QHash<quint64, quint64> lastUsed; // frame number
     quint64 frame = 0;
     int packGeneration = -1;
 };
+
+// Forgets the longest unused textures (and known gaps) beyond what is kept.
+void forgetOldest(QHash<quint64, QSGTexture *> &textures, QHash<quint64, quint64> &lastUsed, int kept, quint64 frame)
+{
+    if (lastUsed.size() <= kept)
+        return;
+    QList<std::pair<quint64, quint64>> byAge;
+    for (auto it = lastUsed.cbegin(); it != lastUsed.cend(); ++it)
+        byAge.append({it.value(), it.key()});
+    std::sort(byAge.begin(), byAge.end());
+    for (qsizetype i = 0; i < byAge.size() - kept && byAge.at(i).first < frame; ++i) {
+        delete textures.take(byAge.at(i).second);
+        lastUsed.remove(byAge.at(i).second);
+    }
+}
+
+// A tile's place on screen in whole pixels, so neighbouring tiles meet without a hairline.
+QRectF tileOnScreen(const MapCamera &camera, int zoom, int column, int row)
+{
+    const QRectF wanted = TileMath::tileRect(zoom, column, row);
+    const QPointF topLeft = camera.toScreen(wanted.topLeft());
+    const QPointF bottomRight = camera.toScreen(wanted.bottomRight());
+    return QRectF(QPointF(std::floor(topLeft.x()), std::floor(topLeft.y())), QPointF(std::ceil(bottomRight.x()), std::ceil(bottomRight.y())));
+}
 
 void removeChildren(QSGNode *node)
 {
@@ -62,6 +96,8 @@ MapView::MapView(QQuickItem *parent)
     setAcceptTouchEvents(true);
     setClip(true);
     setActiveFocusOnTab(true);
+    // A street tile drawn on a worker shows in the next frame.
+    connect(&m_streets, &StreetTiles::tileReady, this, &QQuickItem::update, Qt::QueuedConnection);
     m_readablePinsTimer.setSingleShot(true);
     m_readablePinsTimer.setInterval(150);
     connect(&m_readablePinsTimer, &QTimer::timeout, this, &MapView::refreshReadablePins);
@@ -69,17 +105,28 @@ MapView::MapView(QQuickItem *parent)
 
 MapView::~MapView() = default;
 
-bool MapView::setTilePack(const QString &path, const QRectF &region)
+bool MapView::setTilePacks(const QStringList &paths, const QRectF &region)
 {
-    QString error;
-    const bool opened = !path.isEmpty() && m_pack.open(path, region, &error);
-    if (!opened)
-        qCWarning(lcMapTiles).noquote() << (path.isEmpty() ? QStringLiteral("no base map in the documents folder") : error)
-                                        << "; the map shows its plain background";
+    m_pack = MBTilesPack();
+    m_streets.close();
+    for (const QString &path : paths) {
+        if (path.isEmpty())
+            continue;
+        QString error;
+        MBTilesPack pack;
+        if (!pack.open(path, region, &error))
+            qCWarning(lcMapTiles).noquote() << error << "; the pack is not used";
+        else if (pack.isVector() && !m_streets.isOpen())
+            m_streets.open(path, region, &error);
+        else if (!pack.isVector() && !m_pack.isOpen())
+            m_pack = std::move(pack);
+    }
+    if (!hasBaseMap())
+        qCWarning(lcMapTiles).noquote() << "no base map in the documents folder; the map shows its plain background";
     ++m_packGeneration;
     emit baseMapChanged();
     update();
-    return opened;
+    return hasBaseMap();
 }
 
 void MapView::addAnnotation(const Annotation &annotation)
@@ -277,12 +324,14 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
         root->background->setColor(backgroundColor);
         root->grid = new QSGNode;
         root->tiles = new QSGNode;
+        root->streets = new QSGNode;
         root->pins = win->createImageNode();
         root->pins->setOwnsTexture(true);
         root->pins->setFiltering(QSGTexture::Linear);
         root->appendChildNode(root->background);
         root->appendChildNode(root->grid);
         root->appendChildNode(root->tiles);
+        root->appendChildNode(root->streets);
         root->appendChildNode(root->pins);
     }
     ++root->frame;
@@ -315,6 +364,9 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
         qDeleteAll(root->textures);
         root->textures.clear();
         root->lastUsed.clear();
+        qDeleteAll(root->streetTextures);
+        root->streetTextures.clear();
+        root->streetLastUsed.clear();
         root->packGeneration = m_packGeneration;
     }
     if (m_pack.isOpen() && !bounds.isEmpty()) {
@@ -345,32 +397,18 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
                 const int levels = zoom - z;
                 const double part = TileMath::tileSize / double(1 << levels);
                 const QRectF source((column - (c << levels)) * part, (row - (r << levels)) * part, part, part);
-                const QRectF wanted = TileMath::tileRect(zoom, column, row);
-                const QPointF topLeft = m_camera.toScreen(wanted.topLeft());
-                const QPointF bottomRight = m_camera.toScreen(wanted.bottomRight());
                 QSGImageNode *node = win->createImageNode();
                 node->setTexture(texture);
                 node->setOwnsTexture(false);
                 node->setFiltering(QSGTexture::Linear);
-                // Whole pixels, so neighbouring tiles meet without a hairline between them.
-                node->setRect(QRectF(QPointF(std::floor(topLeft.x()), std::floor(topLeft.y())),
-                                     QPointF(std::ceil(bottomRight.x()), std::ceil(bottomRight.y()))));
+                node->setRect(tileOnScreen(m_camera, zoom, column, row));
                 node->setSourceRect(source);
                 root->tiles->appendChildNode(node);
             }
         }
-        // Forget the longest unused tiles (and known gaps) beyond what is kept.
-        if (root->lastUsed.size() > keptTextures) {
-            QList<std::pair<quint64, quint64>> byAge;
-            for (auto it = root->lastUsed.cbegin(); it != root->lastUsed.cend(); ++it)
-                byAge.append({it.value(), it.key()});
-            std::sort(byAge.begin(), byAge.end());
-            for (qsizetype i = 0; i < byAge.size() - keptTextures && byAge.at(i).first < root->frame; ++i) {
-                delete root->textures.take(byAge.at(i).second);
-                root->lastUsed.remove(byAge.at(i).second);
-            }
-        }
+        forgetOldest(root->textures, root->lastUsed, keptTextures, root->frame);
     }
+    updateStreets(root, win);
 
     // Every pin (and the user's position) in one picture.
     const qreal ratio = win->effectiveDevicePixelRatio();
@@ -381,6 +419,59 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
     }
     m_lastFrameNanoseconds = timer.nsecsElapsed();
     return root;
+}
+
+void MapView::updateStreets(QSGNode *rootNode, QQuickWindow *win)
+{
+    auto *root = static_cast<MapRootNode *>(rootNode);
+    removeChildren(root->streets);
+    const qreal ratio = win->effectiveDevicePixelRatio();
+    if (root->streetRatio != ratio) {
+        qDeleteAll(root->streetTextures);
+        root->streetTextures.clear();
+        root->streetLastUsed.clear();
+        root->streetRatio = ratio;
+    }
+    // Half a zoom before the pack's first, the streets come in; each display zoom draws its own
+    // pictures, so widths and labels are right for it and never stretched.
+    if (!m_streets.isOpen() || width() <= 0 || height() <= 0 || m_camera.zoom < m_streets.minZoom() - 0.5)
+        return;
+    const int zoom = std::clamp(int(std::lround(m_camera.zoom)), m_streets.minZoom(), StreetTiles::maxDisplayZoom);
+    const QRectF visible = m_camera.visibleWorld();
+    const QPoint first = TileMath::tileAt(visible.topLeft(), zoom);
+    const QPoint last = TileMath::tileAt(visible.bottomRight(), zoom);
+    for (int row = first.y(); row <= last.y(); ++row) {
+        for (int column = first.x(); column <= last.x(); ++column) {
+            // Until its own picture is drawn, a tile shows the part of a coarser one already drawn.
+            QImage picture = m_streets.tile(zoom, column, row, ratio);
+            int z = zoom, c = column, r = row;
+            for (; picture.isNull() && z > m_streets.minZoom() && zoom - z < 3;) {
+                --z, c /= 2, r /= 2;
+                picture = m_streets.peek(z, c, r, ratio);
+            }
+            if (picture.isNull() || picture.width() <= 1)
+                continue;
+            const quint64 key = tileKey(z, c, r);
+            QSGTexture *texture = root->streetTextures.value(key);
+            if (!texture) {
+                texture = win->createTextureFromImage(picture, QQuickWindow::TextureHasAlphaChannel);
+                root->streetTextures.insert(key, texture);
+            }
+            root->streetLastUsed.insert(key, root->frame);
+            const int levels = zoom - z;
+            const QSizeF size = texture->textureSize();
+            const QRectF source((column - (c << levels)) * size.width() / (1 << levels), (row - (r << levels)) * size.height() / (1 << levels),
+                                size.width() / (1 << levels), size.height() / (1 << levels));
+            QSGImageNode *node = win->createImageNode();
+            node->setTexture(texture);
+            node->setOwnsTexture(false);
+            node->setFiltering(QSGTexture::Linear);
+            node->setRect(tileOnScreen(m_camera, zoom, column, row));
+            node->setSourceRect(source);
+            root->streets->appendChildNode(node);
+        }
+    }
+    forgetOldest(root->streetTextures, root->streetLastUsed, keptStreetTextures, root->frame);
 }
 
 void MapView::beginRegionChange()

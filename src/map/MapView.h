@@ -4,6 +4,7 @@
 #include "map/MapCamera.h"
 #include "map/PinIndex.h"
 #include "map/PinRenderer.h"
+#include "map/StreetTiles.h"
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -44,6 +45,7 @@ class MapView : public QQuickItem
     Q_PROPERTY(double longitude READ longitude NOTIFY cameraChanged)
     Q_PROPERTY(double zoomLevel READ zoomLevel NOTIFY cameraChanged)
     Q_PROPERTY(bool hasBaseMap READ hasBaseMap NOTIFY baseMapChanged)
+    Q_PROPERTY(bool hasStreetMap READ hasStreetMap NOTIFY baseMapChanged)
     Q_PROPERTY(int annotationCount READ annotationCount NOTIFY annotationsChanged)
     Q_PROPERTY(MapCalloutView *calloutView READ calloutView CONSTANT)
     Q_PROPERTY(bool calloutVisible READ calloutVisible NOTIFY calloutChanged)
@@ -72,10 +74,14 @@ public:
     void setDelegate(MapViewDelegate *delegate) { m_delegate = delegate; }
 
     // Base map: a pack must have tiles around `region` (longitude x, latitude y) to be taken.
-    // A refused one is logged once and the view draws its plain grid.
-    bool setTilePack(const QString &path, const QRectF &region);
-    bool hasBaseMap() const { return m_pack.isOpen(); }
+    // The first raster pack draws the land and the sea, the first street map (vector tiles)
+    // draws over it. A refused pack is logged once; with none the view draws its plain grid.
+    bool setTilePacks(const QStringList &paths, const QRectF &region);
+    bool setTilePack(const QString &path, const QRectF &region) { return setTilePacks({path}, region); }
+    bool hasBaseMap() const { return m_pack.isOpen() || m_streets.isOpen(); }
+    bool hasStreetMap() const { return m_streets.isOpen(); }
     QString tilePackPath() const { return m_pack.isOpen() ? m_pack.path() : QString(); }
+    StreetTiles &streetTiles() { return m_streets; }
 
     // Pins
     void addAnnotation(const Annotation &annotation);
@@ -145,6 +151,7 @@ protected:
 
 private:
     void setCamera(const QPointF &center, double zoom);
+    void updateStreets(QSGNode *root, QQuickWindow *window);
     void bringCalloutIntoView();
     void beginRegionChange();
     void endRegionChange();
@@ -152,6 +159,7 @@ private:
 
     MapViewDelegate *m_delegate = nullptr;
     MBTilesPack m_pack;
+    StreetTiles m_streets;
     int m_packGeneration = 0;
     MapCamera m_camera;
     PinIndex m_pins;

@@ -49,7 +49,7 @@ MapView *MapViewWrapper::buildMapView(Restaurants &restaurants, const QString &d
     view->settings() = MapView::Settings{false, false, true};
     view->calloutView()->setRightButtonTitle(
         QVariant::fromValue(calloutStyle.render(QStringLiteral("<body><i>") + IconFont::callout + QStringLiteral("</i></body>"))));
-    view->setTilePack(MBTilesPack::findIn(documentsDirectory), countryRegion());
+    view->setTilePacks(MBTilesPack::findIn(documentsDirectory), countryRegion());
     locationState = LocationState::off;
     m_mapView = view;
     return view;

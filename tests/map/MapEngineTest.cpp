@@ -93,7 +93,7 @@ TEST(MapEngine, PacksAreReadByTmsRowAndBadOnesAreRefused)
     EXPECT_TRUE(pack.tile(5, 9, 13).isNull()); // undecodable: background, no crash
     EXPECT_TRUE(pack.tile(6, 16, 26).isNull());
     EXPECT_TRUE(pack.tile(5, -1, 3).isNull());
-    EXPECT_EQ(MBTilesPack::findIn(dir.path()), good);
+    EXPECT_EQ(MBTilesPack::findIn(dir.path()), QStringList{good});
 
     QFile(dir.filePath(QStringLiteral("empty.mbtiles"))).open(QIODevice::WriteOnly);
     QFile garbage(dir.filePath(QStringLiteral("garbage.mbtiles")));

@@ -25,6 +25,7 @@ struct MapDemo {
                         NmeaLog::rmc(start.addSecs(2), 23.1385, -82.3595), NmeaLog::rmc(start.addSecs(3), 23.1390, -82.3600)});
         PositionerService::useLog(logDir.filePath(QStringLiteral("drive.nmea")));
         QFile::copy(QStringLiteral(VELMORA_DEMO_BASEMAP), ui.home.documents() + QStringLiteral("/velmora-demo.mbtiles"));
+        QFile::copy(QStringLiteral(VELMORA_DEMO_STREETMAP), ui.home.documents() + QStringLiteral("/velmora-demo-streets.mbtiles"));
     }
     ~MapDemo()
     {
