@@ -5,7 +5,7 @@ set(home ${OUT}/home)
 file(REMOVE_RECURSE ${home})
 file(MAKE_DIRECTORY ${home}/Documents ${OUT})
 file(GLOB catalogue ${DEMO_DIR}/velmora-2*.db)
-file(COPY ${catalogue} ${DEMO_DIR}/velmora-demo.mbtiles DESTINATION ${home}/Documents)
+file(COPY ${catalogue} ${DEMO_DIR}/velmora-demo.mbtiles ${DEMO_DIR}/velmora-demo-streets.mbtiles DESTINATION ${home}/Documents)
 
 set(ENV{QT_QPA_PLATFORM} offscreen)
 set(ENV{QT_SCALE_FACTOR} 2)
