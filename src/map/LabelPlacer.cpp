@@ -93,7 +93,8 @@ std::optional<QLineF> longestStraightRun(const QPolygonF &line, const QRectF &cl
 double readableAngle(const QLineF &run)
 {
     double angle = std::atan2(run.dy(), run.dx()) * 180.0 / M_PI;
-    if (angle > 90)
+    // Within [-90, 90): a vertical name always reads upwards, whichever way its street was drawn.
+    if (angle >= 90)
         angle -= 180;
     else if (angle < -90)
         angle += 180;

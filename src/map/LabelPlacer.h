@@ -32,5 +32,6 @@ private:
 // crossings still offers the room its name needs.
 std::optional<QLineF> longestStraightRun(const QPolygonF &line, const QRectF &clip, double maxTurn = 8.0);
 
-// The angle, in degrees, text along `run` is turned by so it reads left to right, never upside down.
+// The angle, in degrees, text along `run` is turned by so it reads left to right, never upside
+// down; a vertical name reads upwards.
 double readableAngle(const QLineF &run);

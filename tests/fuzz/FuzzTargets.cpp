@@ -7,6 +7,8 @@
 #include "catalogue/SearchTerms.h"
 #include "richtext/RichString.h"
 #include "catalogue/Restaurants.h"
+#include "map/VectorTile.h"
+#include "map/VectorTileRenderer.h"
 #include "platform/Database.h"
 #include "platform/DefaultKeys.h"
 #include "platform/Signatures.h"
@@ -113,6 +115,16 @@ const QList<FuzzTarget> &fuzzTargets()
          [](const QByteArray &bytes) {
              UpdateService::parseTXTRecord(bytes);
              UpdateService::resolved(QStringLiteral("local"), QStringLiteral("_t._tcp"), QStringLiteral("n"), QStringLiteral("h"), 80, bytes);
+         }},
+        // A street map tile from a pack: decoded within its limits, and drawn when it decodes.
+        {QStringLiteral("vector-tile"),
+         [](const QByteArray &bytes) {
+             VectorTile tile;
+             QString error;
+             if (decodeVectorTile(bytes, tile, &error))
+                 renderVectorTile(tile, {16, QRectF(0.25, 0.5, 0.25, 0.25), 256, 1});
+             else
+                 findingIf(error.isEmpty(), "a refused tile without a reason");
          }},
         {QStringLiteral("signature"),
          [](const QByteArray &bytes) {

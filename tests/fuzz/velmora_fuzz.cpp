@@ -6,7 +6,7 @@
 
 #include "FuzzTargets.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QDir>
 #include <QFile>
 #include <QTextStream>
@@ -89,7 +89,10 @@ QByteArray mutate(QByteArray input, const QList<QByteArray> &corpus, std::mt1993
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
+    // The street map's target draws its tiles, which takes a font database: no display is needed.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
     if (args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h")))
         return usage(0);

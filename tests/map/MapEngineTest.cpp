@@ -3,6 +3,7 @@
 #include "map/PinIndex.h"
 #include "map/PinRenderer.h"
 #include "map/TileMath.h"
+#include "map/TilePacks.h"
 #include "platform/Database.h"
 
 #include <QBuffer>
@@ -17,33 +18,6 @@
 namespace {
 
 const QRectF country(-85.2, 19.6, 11.2, 3.8);
-
-QByteArray png(const QColor &color)
-{
-    QImage image(256, 256, QImage::Format_RGB32);
-    image.fill(color);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
-}
-
-// An MBTiles file by hand: `tiles` rows (zoom, column, TMS row, bytes) and its bounds.
-QString writePack(const QString &path, const QList<std::tuple<int, int, int, QByteArray>> &tiles,
-                  const QString &bounds = QStringLiteral("-88,13.5,-70,30"))
-{
-    QFile::remove(path);
-    Database database(path);
-    EXPECT_TRUE(database.open());
-    EXPECT_TRUE(database.executeStatements(QStringLiteral("CREATE TABLE metadata (name TEXT, value TEXT);"
-                                                          "CREATE TABLE tiles (zoom_level INTEGER, tile_column INTEGER, tile_row INTEGER,"
-                                                          " tile_data BLOB);")));
-    database.executeUpdate(QStringLiteral("INSERT INTO metadata VALUES ('format', 'png'), ('bounds', ?)"), {bounds});
-    for (const auto &[zoom, column, row, data] : tiles)
-        database.executeUpdate(QStringLiteral("INSERT INTO tiles VALUES (?, ?, ?, ?)"), {zoom, column, row, data});
-    return path;
-}
 
 MapCamera cameraAt(double latitude, double longitude, double zoom)
 {
