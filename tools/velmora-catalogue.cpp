@@ -32,6 +32,7 @@
 
 #include <QSysInfo>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -449,7 +450,9 @@ int basemap(const QStringList &arguments)
 int main(int argc, char *argv[])
 {
     // Only the base map draws text, which needs a font database; it works without a display.
-    const bool drawing = argc > 1 && qstrcmp(argv[1], "basemap") == 0;
+    // The street map is made by tilemaker: that base map draws nothing here.
+    const bool drawing = argc > 1 && qstrcmp(argv[1], "basemap") == 0
+                         && std::none_of(argv + 2, argv + argc, [](const char *argument) { return qstrcmp(argument, "--osm") == 0; });
     if (drawing && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     std::unique_ptr<QCoreApplication> application(drawing ? new QGuiApplication(argc, argv) : new QCoreApplication(argc, argv));

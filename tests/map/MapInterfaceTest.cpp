@@ -3,6 +3,7 @@
 #include "map/MapViewController.h"
 #include "map/MapViewWrapper.h"
 #include "map/NmeaLog.h"
+#include "map/VectorStyle.h"
 #include "placecard/LugarTableViewController.h"
 #include "platform/PositionerService.h"
 
@@ -38,6 +39,17 @@ struct MapDemo {
     {
         const Annotation &pin = MapViewWrapper::shared().annotations.value(id);
         return view()->mapToScene(view()->pointForCoordinate(pin.latitude, pin.longitude) - QPointF(0, 18)).toPoint();
+    }
+
+    // Waits until the street tiles in view are drawn and shown.
+    void streetsDrawn() const
+    {
+        ASSERT_TRUE(QTest::qWaitFor([&] {
+            view()->streetTiles().waitForDone();
+            return view()->streetTiles().pendingCount() == 0;
+        }, 3000));
+        QTest::qWait(100);
+        ASSERT_EQ(view()->streetTiles().pendingCount(), 0) << "every tile in view was asked for in the last frame";
     }
 
     QTemporaryDir logDir;
@@ -134,6 +146,39 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     }, 2000));
     EXPECT_FLOAT_EQ(demo.view()->visibleRegion().zoomLevel, 16.0f);
     ui.save("map-place");
+
+    // The place stands on its own street, drawn where the pin points.
+    ASSERT_TRUE(demo.view()->hasStreetMap());
+    const Annotation &place = MapViewWrapper::shared().annotations.value(selected);
+    const auto onItsStreet = [&](const char *when) {
+        demo.streetsDrawn();
+        const QPoint tip = demo.view()->mapToScene(demo.view()->pointForCoordinate(place.latitude, place.longitude)).toPoint();
+        const QImage shot = ui.window->grab();
+        const auto road = [&](int dx, int dy) {
+            const QColor here = shot.pixelColor(tip + QPoint(dx, dy));
+            const auto near = [&](const QColor &fill) {
+                return std::abs(here.red() - fill.red()) + std::abs(here.green() - fill.green()) + std::abs(here.blue() - fill.blue()) <= 9;
+            };
+            return near(VectorStyle::road(QStringLiteral("street"), 16)->color) || near(VectorStyle::road(QStringLiteral("secondary"), 16)->color);
+        };
+        // Past the pin's shadow, along a street running north and south or east and west (its name
+        // may cover a few of these).
+        int along = 0, across = 0;
+        for (int d : {9, 14, 20, 26})
+            along += road(0, d);
+        for (int d : {-32, -24, -16, 16, 24, 32})
+            across += road(d, 0);
+        EXPECT_TRUE(along >= 3 || across >= 4) << when << ": " << along << " and " << across << " road pixels";
+    };
+    onItsStreet("the card's map");
+    ui.save("map-place-street");
+    // The street map at the town's zoom and at a street's, around the same place.
+    demo.view()->setVisibleRegion({place.latitude, place.longitude, 14});
+    demo.streetsDrawn();
+    ui.save("map-streets-z14");
+    demo.view()->setVisibleRegion({place.latitude, place.longitude, 16});
+    demo.streetsDrawn();
+    ui.save("map-streets-z16");
 
     // The location button: the spinner, then the replayed position centred.
     tap(window, ui.item("barButton-location_not_centered") ? ui.item("barButton-location_not_centered") : ui.item("barButton-location_off"));

@@ -8,6 +8,8 @@
 #include "platform/Compression.h"
 
 #include <QDir>
+#include <QQuickWindow>
+#include <QTest>
 #include <QTemporaryDir>
 
 #include <protozero/pbf_writer.hpp>
@@ -291,4 +293,30 @@ TEST(StreetTiles, ABadTileIsSkippedTheRestDrawAndDeeperZoomsComeFromTheLastOne)
     EXPECT_TRUE(view.setTilePacks({path}, country));
     EXPECT_TRUE(view.hasStreetMap());
     EXPECT_TRUE(view.tilePackPath().isEmpty());
+}
+
+// Catches street pictures placed where another zoom's picture stood: zooming out and back in
+// shows the same streets in the same places.
+TEST(StreetTiles, ZoomingAwayAndBackDrawsTheSameStreets)
+{
+    QQuickWindow window;
+    window.resize(390, 844);
+    MapView view(window.contentItem());
+    view.setY(56);
+    view.setSize(QSizeF(390, 788));
+    ASSERT_TRUE(view.setTilePacks({QStringLiteral(VELMORA_DEMO_STREETMAP)}, QRectF(-85.2, 19.6, 11.2, 3.8)));
+    window.show();
+    const auto shown = [&](double zoom) {
+        view.setVisibleRegion({21.830815, -78.8230, float(zoom)});
+        for (int i = 0; i < 3; ++i) {
+            QTest::qWait(50);
+            view.streetTiles().waitForDone();
+        }
+        QTest::qWait(100);
+        return window.grabWindow();
+    };
+    const QImage first = shown(16);
+    shown(14);
+    const QImage again = shown(16);
+    EXPECT_EQ(first, again);
 }

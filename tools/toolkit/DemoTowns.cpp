@@ -24,7 +24,7 @@ Waterfront waterfrontOf(const LandTest &onLand, const QRectF &box)
 {
     if (!onLand)
         return Waterfront::None;
-    constexpr double reach = 0.004;
+    constexpr double reach = 0.012;
     const QPointF centre = box.center();
     if (!onLand(QPointF(centre.x(), box.bottom() + reach)))
         return Waterfront::North;
@@ -39,7 +39,9 @@ Waterfront waterfrontOf(const LandTest &onLand, const QRectF &box)
 
 }
 
-LandTest countryLand()
+namespace {
+
+LandTest readCountryLand()
 {
     QByteArray dump;
     QString error;
@@ -60,6 +62,15 @@ LandTest countryLand()
                 return true;
         return false;
     };
+}
+
+}
+
+LandTest countryLand()
+{
+    // GMT is asked once per process: the shapes don't change while it runs.
+    static const LandTest land = readCountryLand();
+    return land;
 }
 
 const QStringList &demoEastWestStreets()
