@@ -68,13 +68,29 @@ void forgetOldest(QHash<quint64, QSGTexture *> &textures, QHash<quint64, quint64
     }
 }
 
-// A tile's place on screen in whole pixels, so neighbouring tiles meet without a hairline.
-QRectF tileOnScreen(const MapCamera &camera, int zoom, int column, int row)
+struct TileAddress {
+    int zoom, column, row;
+};
+
+// The node that shows the `wanted` tile with the picture of `found`, the tile itself or one of
+// its ancestors (then the part of it that covers the wanted one). Whole pixels on screen, so
+// neighbouring tiles meet without a hairline.
+QSGImageNode *tileNode(QQuickWindow *win, QSGTexture *texture, const MapCamera &camera, TileAddress wanted, TileAddress found)
 {
-    const QRectF wanted = TileMath::tileRect(zoom, column, row);
-    const QPointF topLeft = camera.toScreen(wanted.topLeft());
-    const QPointF bottomRight = camera.toScreen(wanted.bottomRight());
-    return QRectF(QPointF(std::floor(topLeft.x()), std::floor(topLeft.y())), QPointF(std::ceil(bottomRight.x()), std::ceil(bottomRight.y())));
+    const int levels = wanted.zoom - found.zoom;
+    const QSizeF part = QSizeF(texture->textureSize()) / double(1 << levels);
+    const QRectF source((wanted.column - (found.column << levels)) * part.width(), (wanted.row - (found.row << levels)) * part.height(),
+                        part.width(), part.height());
+    const QRectF area = TileMath::tileRect(wanted.zoom, wanted.column, wanted.row);
+    const QPointF topLeft = camera.toScreen(area.topLeft());
+    const QPointF bottomRight = camera.toScreen(area.bottomRight());
+    QSGImageNode *node = win->createImageNode();
+    node->setTexture(texture);
+    node->setOwnsTexture(false);
+    node->setFiltering(QSGTexture::Linear);
+    node->setRect(QRectF(QPointF(std::floor(topLeft.x()), std::floor(topLeft.y())), QPointF(std::ceil(bottomRight.x()), std::ceil(bottomRight.y()))));
+    node->setSourceRect(source);
+    return node;
 }
 
 void removeChildren(QSGNode *node)
@@ -393,17 +409,7 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
                 }
                 if (!texture)
                     continue;
-                // The part of the found tile that covers the wanted one.
-                const int levels = zoom - z;
-                const double part = TileMath::tileSize / double(1 << levels);
-                const QRectF source((column - (c << levels)) * part, (row - (r << levels)) * part, part, part);
-                QSGImageNode *node = win->createImageNode();
-                node->setTexture(texture);
-                node->setOwnsTexture(false);
-                node->setFiltering(QSGTexture::Linear);
-                node->setRect(tileOnScreen(m_camera, zoom, column, row));
-                node->setSourceRect(source);
-                root->tiles->appendChildNode(node);
+                root->tiles->appendChildNode(tileNode(win, texture, m_camera, {zoom, column, row}, {z, c, r}));
             }
         }
         forgetOldest(root->textures, root->lastUsed, keptTextures, root->frame);
@@ -458,17 +464,7 @@ void MapView::updateStreets(QSGNode *rootNode, QQuickWindow *win)
                 root->streetTextures.insert(key, texture);
             }
             root->streetLastUsed.insert(key, root->frame);
-            const int levels = zoom - z;
-            const QSizeF size = texture->textureSize();
-            const QRectF source((column - (c << levels)) * size.width() / (1 << levels), (row - (r << levels)) * size.height() / (1 << levels),
-                                size.width() / (1 << levels), size.height() / (1 << levels));
-            QSGImageNode *node = win->createImageNode();
-            node->setTexture(texture);
-            node->setOwnsTexture(false);
-            node->setFiltering(QSGTexture::Linear);
-            node->setRect(tileOnScreen(m_camera, zoom, column, row));
-            node->setSourceRect(source);
-            root->streets->appendChildNode(node);
+            root->streets->appendChildNode(tileNode(win, texture, m_camera, {zoom, column, row}, {z, c, r}));
         }
     }
     forgetOldest(root->streetTextures, root->streetLastUsed, keptStreetTextures, root->frame);

@@ -211,7 +211,7 @@ TEST(PlaceCardInterface, MenuMoreInfoAndGallery)
     QQuickWindow *window = ui.window->window();
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
     const int placeId = firstListedPlace(ui, [](const RestaurantInfo &info) {
-        return info.hasMenu && Restaurants::shared().galleryImageIds(info.id).size() >= 3;
+        return info.hasMenu && Restaurants::shared().galleryImageIds(info.id).size() >= 5;
     });
     ASSERT_GE(placeId, 0);
     ASSERT_TRUE(ui.search()->openPlace(placeId, false));
