@@ -4,6 +4,7 @@
 //   map_bench PLACES BASEMAP.mbtiles [frames]
 
 #include "BenchApp.h"
+#include "Figures.h"
 #include "map/MapView.h"
 #include "map/MapViewWrapper.h"
 
@@ -14,27 +15,7 @@
 #include <algorithm>
 #include <cstdio>
 
-namespace {
-double median(QList<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.isEmpty() ? 0 : values.at(values.size() / 2);
-}
-double percentile(QList<double> values, int percent)
-{
-    std::sort(values.begin(), values.end());
-    return values.isEmpty() ? 0 : values.at(std::min(values.size() - 1, values.size() * percent / 100));
-}
-// The process's resident memory now, in MB.
-double residentMb()
-{
-    QFile status(QStringLiteral("/proc/self/statm"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> fields = status.readAll().split(' ');
-    return fields.value(1).toDouble() * 4096.0 / 1e6;
-}
-}
+using namespace Figures;
 
 int main(int argc, char **argv)
 {
