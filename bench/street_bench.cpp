@@ -20,12 +20,9 @@ using namespace Figures;
 
 int main(int argc, char **argv)
 {
+    takeArguments(argc, argv, 3, "street_bench PLACES BASEMAP.mbtiles STREETS.mbtiles [frames]");
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
-    if (argc < 4) {
-        std::fprintf(stderr, "usage: street_bench PLACES BASEMAP.mbtiles STREETS.mbtiles [frames]\n");
-        return 2;
-    }
     const int frames = argc > 4 ? QString::fromLatin1(argv[4]).toInt() : 120;
     BenchApp bench(QString::fromLatin1(argv[1]).toInt());
     QFile::copy(QString::fromLocal8Bit(argv[2]), Paths::documents() + QStringLiteral("/base.mbtiles"));
