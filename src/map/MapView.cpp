@@ -72,26 +72,62 @@ struct TileAddress {
     int zoom, column, row;
 };
 
-// The node that shows the `wanted` tile with the picture of `found`, the tile itself or one of
-// its ancestors (then the part of it that covers the wanted one). Whole pixels on screen, so
-// neighbouring tiles meet without a hairline.
-QSGImageNode *tileNode(QQuickWindow *win, QSGTexture *texture, const MapCamera &camera, TileAddress wanted, TileAddress found)
+// Tile nodes are kept from frame to frame and given their new tiles in order: a pan changes
+// their pictures and places, not the scene graph's shape.
+class TileNodes
 {
-    const int levels = wanted.zoom - found.zoom;
-    const QSizeF part = QSizeF(texture->textureSize()) / double(1 << levels);
-    const QRectF source((wanted.column - (found.column << levels)) * part.width(), (wanted.row - (found.row << levels)) * part.height(),
-                        part.width(), part.height());
-    const QRectF area = TileMath::tileRect(wanted.zoom, wanted.column, wanted.row);
-    const QPointF topLeft = camera.toScreen(area.topLeft());
-    const QPointF bottomRight = camera.toScreen(area.bottomRight());
-    QSGImageNode *node = win->createImageNode();
-    node->setTexture(texture);
-    node->setOwnsTexture(false);
-    node->setFiltering(QSGTexture::Linear);
-    node->setRect(QRectF(QPointF(std::floor(topLeft.x()), std::floor(topLeft.y())), QPointF(std::ceil(bottomRight.x()), std::ceil(bottomRight.y()))));
-    node->setSourceRect(source);
-    return node;
-}
+public:
+    TileNodes(QSGNode *parent, QQuickWindow *window)
+        : m_parent(parent)
+        , m_window(window)
+        , m_next(parent->firstChild())
+    {
+    }
+    ~TileNodes()
+    {
+        // Nodes this frame didn't use go.
+        while (m_next) {
+            QSGNode *spare = m_next;
+            m_next = m_next->nextSibling();
+            m_parent->removeChildNode(spare);
+            delete spare;
+        }
+    }
+
+    // Shows the `wanted` tile with the picture of `found`, the tile itself or one of its
+    // ancestors (then the part of it that covers the wanted one), in whole pixels on screen so
+    // neighbouring tiles meet without a hairline.
+    void show(QSGTexture *texture, const MapCamera &camera, TileAddress wanted, TileAddress found)
+    {
+        auto *node = static_cast<QSGImageNode *>(m_next);
+        const bool fresh = !node;
+        if (fresh) {
+            node = m_window->createImageNode();
+            node->setOwnsTexture(false);
+            node->setFiltering(QSGTexture::Linear);
+        } else {
+            m_next = m_next->nextSibling();
+        }
+        const int levels = wanted.zoom - found.zoom;
+        const QSizeF part = QSizeF(texture->textureSize()) / double(1 << levels);
+        const QRectF area = TileMath::tileRect(wanted.zoom, wanted.column, wanted.row);
+        const QPointF topLeft = camera.toScreen(area.topLeft());
+        const QPointF bottomRight = camera.toScreen(area.bottomRight());
+        node->setTexture(texture);
+        node->setRect(QRectF(QPointF(std::floor(topLeft.x()), std::floor(topLeft.y())),
+                             QPointF(std::ceil(bottomRight.x()), std::ceil(bottomRight.y()))));
+        node->setSourceRect(QRectF((wanted.column - (found.column << levels)) * part.width(),
+                                   (wanted.row - (found.row << levels)) * part.height(), part.width(), part.height()));
+        // Added once it has its picture: the software renderer reads it as soon as it is added.
+        if (fresh)
+            m_parent->appendChildNode(node);
+    }
+
+private:
+    QSGNode *m_parent;
+    QQuickWindow *m_window;
+    QSGNode *m_next;
+};
 
 void removeChildren(QSGNode *node)
 {
@@ -375,8 +411,10 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
     }
 
     // Tiles of the zoom nearest the camera's; a missing one borrows a part of an ancestor.
-    removeChildren(root->tiles);
     if (root->packGeneration != m_packGeneration) {
+        // No node may keep a texture about to go.
+        removeChildren(root->tiles);
+        removeChildren(root->streets);
         qDeleteAll(root->textures);
         root->textures.clear();
         root->lastUsed.clear();
@@ -385,6 +423,7 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
         root->streetLastUsed.clear();
         root->packGeneration = m_packGeneration;
     }
+    TileNodes tiles(root->tiles, win);
     if (m_pack.isOpen() && !bounds.isEmpty()) {
         const int zoom = std::clamp(int(std::lround(m_camera.zoom)), m_pack.minZoom(), m_pack.maxZoom());
         const QPoint first = TileMath::tileAt(visible.topLeft(), zoom);
@@ -409,7 +448,7 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
                 }
                 if (!texture)
                     continue;
-                root->tiles->appendChildNode(tileNode(win, texture, m_camera, {zoom, column, row}, {z, c, r}));
+                tiles.show(texture, m_camera, {zoom, column, row}, {z, c, r});
             }
         }
         forgetOldest(root->textures, root->lastUsed, keptTextures, root->frame);
@@ -430,14 +469,15 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
 void MapView::updateStreets(QSGNode *rootNode, QQuickWindow *win)
 {
     auto *root = static_cast<MapRootNode *>(rootNode);
-    removeChildren(root->streets);
     const qreal ratio = win->effectiveDevicePixelRatio();
     if (root->streetRatio != ratio) {
+        removeChildren(root->streets);
         qDeleteAll(root->streetTextures);
         root->streetTextures.clear();
         root->streetLastUsed.clear();
         root->streetRatio = ratio;
     }
+    TileNodes tiles(root->streets, win);
     // Half a zoom before the pack's first, the streets come in; each display zoom draws its own
     // pictures, so widths and labels are right for it and never stretched.
     if (!m_streets.isOpen() || width() <= 0 || height() <= 0 || m_camera.zoom < m_streets.minZoom() - 0.5)
@@ -464,7 +504,7 @@ void MapView::updateStreets(QSGNode *rootNode, QQuickWindow *win)
                 root->streetTextures.insert(key, texture);
             }
             root->streetLastUsed.insert(key, root->frame);
-            root->streets->appendChildNode(tileNode(win, texture, m_camera, {zoom, column, row}, {z, c, r}));
+            tiles.show(texture, m_camera, {zoom, column, row}, {z, c, r});
         }
     }
     forgetOldest(root->streetTextures, root->streetLastUsed, keptStreetTextures, root->frame);
