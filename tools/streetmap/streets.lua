@@ -22,6 +22,12 @@ local greenLanduse = { park = "park", garden = "park", playground = "park", pitc
   grass = "grass", meadow = "grass", forest = "wood", wood = "wood", cemetery = "cemetery",
   residential = "residential", commercial = "commercial", retail = "commercial", industrial = "industrial" }
 
+-- Carries the feature's name, when it has one.
+local function keepName(feature)
+  local name = feature:Find("name")
+  if name ~= "" then feature:Attribute("name", name) end
+end
+
 function node_function(node)
   local place = node:Find("place")
   local zoom = placeZooms[place]
@@ -45,8 +51,7 @@ function way_function(way)
     way:Layer("road", false)
     way:Attribute("class", road[1])
     way:MinZoom(road[2])
-    local name = way:Find("name")
-    if name ~= "" then way:Attribute("name", name) end
+    keepName(way)
     return
   end
 
@@ -62,8 +67,7 @@ function way_function(way)
     way:Layer("water", false)
     way:Attribute("class", waterway)
     if waterway == "stream" then way:MinZoom(13) end
-    local name = way:Find("name")
-    if name ~= "" then way:Attribute("name", name) end
+    keepName(way)
     return
   end
 
@@ -80,8 +84,7 @@ function way_function(way)
   if class ~= nil then
     way:Layer("landuse", true)
     way:Attribute("class", class)
-    local name = way:Find("name")
-    if name ~= "" and class == "park" then way:Attribute("name", name) end
+    if class == "park" then keepName(way) end
     return
   end
 
