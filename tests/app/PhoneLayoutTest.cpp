@@ -129,8 +129,9 @@ void checkEverySize(DemoWindow &ui, const QList<Screen> &screens)
                     ui.delegate->openLink(screen.link, false);
                 QTest::qWait(450); // slides and fades end; lists lay out
                 // The first run's steps come in after its splash.
-                if (const QQuickItem *steps = ui.item("walkthroughContainer"))
+                if (const QQuickItem *steps = ui.item("walkthroughContainer")) {
                     ASSERT_TRUE(QTest::qWaitFor([steps] { return steps->opacity() >= 1.0; }, 10000));
+                }
                 QTest::qWait(100);
                 const QStringList faults = layoutFaults(window);
                 EXPECT_TRUE(faults.isEmpty()) << screen.name << " at " << width << "x" << height << ":\n  "

@@ -52,14 +52,14 @@ TEST(Touch, TheOpenDrawerFollowsTheFinger)
         QTest::touchEvent(window, touchscreen).move(0, onContent - QPoint(10 * step, 0));
     }
     // Qt Quick hands a touch's moves on with the next frame: the last one may still be on its way.
-    QTest::qWaitFor([&] { return std::abs(drawer->offset() - (open - 100)) <= 8; }, 1000);
+    (void)QTest::qWaitFor([&] { return std::abs(drawer->offset() - (open - 100)) <= 8; }, 1000); // checked just below
     EXPECT_NEAR(drawer->offset(), open - 100, 8) << "the content under the finger moves with it";
     QTest::touchEvent(window, touchscreen).release(0, onContent - QPoint(100, 0));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !drawer->isMenuVisible() && drawer->offset() == 0; }, 2000)) << "lifted moving left: closed";
 
     openMenu();
     touchDrag(window, onContent, QPoint(30, 0));
-    QTest::qWaitFor([&] { return drawer->offset() == open; }, 3000);
+    (void)QTest::qWaitFor([&] { return drawer->offset() == open; }, 3000); // checked just below
     EXPECT_TRUE(drawer->isMenuVisible()) << "lifted moving right: still open";
     EXPECT_NEAR(drawer->offset(), open, 1.0);
 }
