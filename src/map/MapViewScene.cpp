@@ -7,6 +7,7 @@
 #include <QSGImageNode>
 #include <QSGRectangleNode>
 #include <QSGTexture>
+#include <QSGTransformNode>
 
 #include <algorithm>
 #include <cmath>
@@ -33,9 +34,11 @@ public:
     }
 
     QSGRectangleNode *background = nullptr;
-    QSGNode *grid = nullptr;
-    QSGNode *tiles = nullptr;
-    QSGNode *streets = nullptr;
+    // Containers whose children change every frame are transform nodes: the renderers then place
+    // a child added after the view moved between screens where the view now is.
+    QSGTransformNode *grid = nullptr;
+    QSGTransformNode *tiles = nullptr;
+    QSGTransformNode *streets = nullptr;
     QHash<quint64, QSGTexture *> streetTextures;
     QHash<quint64, quint64> streetLastUsed;
     qreal streetRatio = 0;
@@ -142,9 +145,9 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
         root = new MapRootNode;
         root->background = win->createRectangleNode();
         root->background->setColor(backgroundColor);
-        root->grid = new QSGNode;
-        root->tiles = new QSGNode;
-        root->streets = new QSGNode;
+        root->grid = new QSGTransformNode;
+        root->tiles = new QSGTransformNode;
+        root->streets = new QSGTransformNode;
         root->pins = win->createImageNode();
         root->pins->setOwnsTexture(true);
         root->pins->setFiltering(QSGTexture::Linear);

@@ -12,6 +12,7 @@
 
 #include <QAccessible>
 #include <QFile>
+#include <QPainter>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -195,6 +196,20 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     };
     onItsStreet("the card's map");
     ui.save("map-place-street");
+    // The map's own area below its bar, where the callout isn't: what zooming away and back must
+    // draw again exactly.
+    const QRect mapArea = demo.view()->mapRectToScene(demo.view()->boundingRect()).toAlignedRect();
+    const auto mapOnly = [&] {
+        QImage shot = ui.window->grab().copy(mapArea);
+        QQuickItem *callout = ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("mapCallout") && item->isVisible(); });
+        if (callout) {
+            QPainter painter(&shot);
+            painter.fillRect(callout->mapRectToScene(callout->boundingRect()).toAlignedRect().translated(-mapArea.topLeft()).adjusted(-2, -2, 2, 12),
+                             Qt::black);
+        }
+        return shot;
+    };
+    const QImage cardMap = mapOnly();
     // The street map at the town's zoom and at a street's, around the same place.
     demo.view()->setVisibleRegion({place.latitude, place.longitude, 14});
     demo.streetsDrawn();
@@ -202,6 +217,17 @@ TEST(MapInterface, AFingerPansTapsAPinOpensItsCardAndLocates)
     demo.view()->setVisibleRegion({place.latitude, place.longitude, 16});
     onItsStreet("back at zoom 16");
     ui.save("map-streets-z16");
+    const QImage backMap = mapOnly();
+    QRect differs;
+    int count = 0;
+    for (int y = 0; y < std::min(backMap.height(), cardMap.height()); ++y)
+        for (int x = 0; x < std::min(backMap.width(), cardMap.width()); ++x)
+            if (backMap.pixel(x, y) != cardMap.pixel(x, y)) {
+                differs |= QRect(x, y, 1, 1);
+                ++count;
+            }
+    EXPECT_EQ(count, 0) << "zooming away and back draws the same map; " << count << " pixels differ within " << differs.x() << ","
+                        << differs.y() << " " << differs.width() << "x" << differs.height();
 
     // The location button: the spinner, then the replayed position centred.
     tap(window, ui.item("barButton-location_not_centered") ? ui.item("barButton-location_not_centered") : ui.item("barButton-location_off"));

@@ -112,6 +112,10 @@ void writeTown(OsmWriter &osm, const DemoTown &town)
     osm.node(box.center(), {{QStringLiteral("place"), capital ? QStringLiteral("suburb") : QStringLiteral("town")},
                             {QStringLiteral("name"), town.name}});
 
+    // The town's built-up area, as mappers draw one around a town.
+    osm.area(box.adjusted(-demoBlockLongitude / 4, -demoBlockLatitude / 4, demoBlockLongitude / 4, demoBlockLatitude / 4),
+             {{QStringLiteral("landuse"), QStringLiteral("residential")}});
+
     // Crossings are shared by the two streets that meet there, as in real data.
     QList<QList<qint64>> crossings(eastWest.size());
     for (int i = 0; i < eastWest.size(); ++i)
