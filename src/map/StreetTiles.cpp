@@ -12,6 +12,8 @@ namespace {
 
 quint64 sourceKey(int zoom, int column, int row) { return (quint64(zoom) << 48) | (quint64(column) << 24) | quint64(row); }
 constexpr int keptDecodedTiles = 12;
+// More than a phone's screen holds at any zoom.
+constexpr int keptRecentPictures = 32;
 // Past this many, bad tiles are counted but no longer logged: one damaged pack says so once.
 constexpr int loggedBadTiles = 5;
 
@@ -230,10 +232,10 @@ void StreetTiles::evictLocked()
     for (auto it = m_lastUsed.cbegin(); it != m_lastUsed.cend(); ++it)
         byAge.append({it.value(), it.key()});
     std::sort(byAge.begin(), byAge.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
-    for (const auto &[age, key] : byAge) {
-        if (m_pictureBytes <= pictureBudgetBytes * 3 / 4)
-            break;
-        m_pictureBytes -= m_pictures.take(key).sizeInBytes();
-        m_lastUsed.remove(key);
+    // The most recently used stay whatever they weigh: on a dense screen a view's own tiles may
+    // outweigh the budget, and evicting them would have them drawn again every frame.
+    for (qsizetype i = 0; i < byAge.size() - keptRecentPictures && m_pictureBytes > pictureBudgetBytes * 3 / 4; ++i) {
+        m_pictureBytes -= m_pictures.take(byAge.at(i).second).sizeInBytes();
+        m_lastUsed.remove(byAge.at(i).second);
     }
 }

@@ -24,7 +24,8 @@ class StreetTiles : public QObject
     Q_OBJECT
 
 public:
-    // The deepest display zoom drawn, and the memory the pictures may take.
+    // The deepest display zoom drawn, and the memory the pictures may take (the tiles of the
+    // latest frames are kept even beyond it).
     static constexpr int maxDisplayZoom = 19;
     static constexpr qsizetype pictureBudgetBytes = 24 * 1024 * 1024;
 

@@ -283,6 +283,18 @@ TEST(StreetTiles, ABadTileIsSkippedTheRestDrawAndDeeperZoomsComeFromTheLastOne)
     ASSERT_EQ(deeper.width(), 256);
     EXPECT_TRUE(isRoad(deeper, 10, 0) || isRoad(deeper, 10, 1)) << "the street runs along this tile's top edge";
 
+    // A dense screen's view of sixteen tiles outweighs the pictures' budget; they all stay, or the
+    // view would have them drawn again every frame.
+    for (int pass = 0; pass < 2; ++pass) {
+        int kept = 0;
+        for (int column = 4440 * 4; column < 4440 * 4 + 4; ++column)
+            for (int row = 7150 * 4; row < 7150 * 4 + 4; ++row)
+                kept += !streets.tile(16, column, row, 3).isNull();
+        streets.waitForDone();
+        EXPECT_EQ(kept, pass == 0 ? 0 : 16) << "pass " << pass;
+    }
+    EXPECT_GT(streets.pictureBytes(), StreetTiles::pictureBudgetBytes);
+
     const QString pictures = writePack(dir.filePath(QStringLiteral("land.mbtiles")), {{5, 8, 18, png(Qt::blue)}});
     StreetTiles wrong;
     EXPECT_FALSE(wrong.open(pictures, country, &error));
