@@ -14,6 +14,9 @@ quint64 sourceKey(int zoom, int column, int row) { return (quint64(zoom) << 48) 
 constexpr int keptDecodedTiles = 12;
 // More than a phone's screen holds at any zoom.
 constexpr int keptRecentPictures = 32;
+// A view asks for each of its tiles every frame, some twenty at a time: a queued tile not asked
+// for in the last dozen frames or so is off screen.
+constexpr quint64 staleAsks = 256;
 // Past this many, bad tiles are counted but no longer logged: one damaged pack says so once.
 constexpr int loggedBadTiles = 5;
 
@@ -89,11 +92,14 @@ QImage StreetTiles::tile(int zoom, int column, int row, qreal devicePixelRatio)
         m_lastUsed[key] = ++m_clock;
         return *found;
     }
-    if (!m_pending.contains(key)) {
-        m_pending.insert(key);
-        const int generation = m_generation;
-        m_pool.start([this, key, generation] { draw(key, generation); });
+    const auto pending = m_pending.find(key);
+    if (pending != m_pending.end()) {
+        *pending = ++m_asks;
+        return {};
     }
+    m_pending.insert(key, ++m_asks);
+    const int generation = m_generation;
+    m_pool.start([this, key, generation] { draw(key, generation); });
     return {};
 }
 
@@ -192,6 +198,10 @@ void StreetTiles::draw(Key key, int generation)
         QMutexLocker lock(&m_mutex);
         if (generation != m_generation)
             return;
+        if (m_asks - m_pending.value(key) > staleAsks) {
+            m_pending.remove(key);
+            return;
+        }
     }
     // Past the pack's last zoom, the display tile is a part of one of its tiles.
     const int levels = std::max(0, key.zoom - m_maxZoom);

@@ -78,7 +78,10 @@ private:
     QHash<Key, quint64> m_lastUsed;
     quint64 m_clock = 0;
     qsizetype m_pictureBytes = 0;
-    QSet<Key> m_pending;
+    // Queued tiles, with the number of the ask that last wanted each: one nobody has asked for
+    // in a while (the view moved on) is dropped when its turn comes, and asked again if wanted.
+    QHash<Key, quint64> m_pending;
+    quint64 m_asks = 0;
     QSet<quint64> m_badSources;
     // Decoded source tiles, shared by the display tiles that zoom into them.
     QHash<quint64, std::shared_ptr<const VectorTile>> m_decoded;

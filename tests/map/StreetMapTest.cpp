@@ -295,6 +295,18 @@ TEST(StreetTiles, ABadTileIsSkippedTheRestDrawAndDeeperZoomsComeFromTheLastOne)
     }
     EXPECT_GT(streets.pictureBytes(), StreetTiles::pictureBudgetBytes);
 
+    // A burst of asks, as a fast pinch through the zooms makes: the queue drains and the latest
+    // asked are all drawn (the first may be dropped as off screen by then).
+    const auto burst = [](int i) { return QPoint(4440 * 32 + i % 32, 7150 * 32 + i / 32); };
+    for (int i = 0; i < 300; ++i)
+        streets.tile(19, burst(i).x(), burst(i).y(), 0.25);
+    streets.waitForDone();
+    EXPECT_EQ(streets.pendingCount(), 0);
+    int latest = 0;
+    for (int i = 100; i < 300; ++i)
+        latest += !streets.peek(19, burst(i).x(), burst(i).y(), 0.25).isNull();
+    EXPECT_EQ(latest, 200);
+
     const QString pictures = writePack(dir.filePath(QStringLiteral("land.mbtiles")), {{5, 8, 18, png(Qt::blue)}});
     StreetTiles wrong;
     EXPECT_FALSE(wrong.open(pictures, country, &error));
