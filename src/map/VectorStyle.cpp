@@ -102,5 +102,6 @@ QColor labelColor() { return QColor(0x4a, 0x42, 0x38); }
 QColor placeLabelColor() { return QColor(0x3a, 0x32, 0x2a); }
 QColor parkLabelColor() { return QColor(0x3f, 0x6e, 0x2f); }
 QColor haloColor() { return QColor(255, 255, 255, 230); }
+QColor houseNumberColor() { return QColor(0x7a, 0x6e, 0x62); }
 
 }

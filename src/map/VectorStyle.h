@@ -37,5 +37,7 @@ QColor labelColor();
 QColor placeLabelColor();
 QColor parkLabelColor();
 QColor haloColor();
+QColor houseNumberColor();
+constexpr double houseNumberZoom = 18;
 
 }

@@ -206,6 +206,15 @@ void paintTile(QImage &image, const VectorTile &tile, const VectorTileRendering 
             for (const QPolygonF &part : feature->parts)
                 painter.lineLabel(feature->attribute(QLatin1StringView("name")), transform.map(part), font, VectorStyle::labelColor());
     }
+    // House numbers where the door is, once a building is big enough to carry one.
+    if (const VectorLayer *numbers = tile.layer(QLatin1StringView("housenumber")); numbers && zoom >= VectorStyle::houseNumberZoom) {
+        const QTransform transform = painter.transformFor(*numbers);
+        for (const VectorFeature &feature : numbers->features) {
+            const QString number = feature.attribute(QLatin1StringView("number"));
+            if (feature.type == Type::Point && !number.isEmpty() && !feature.parts.isEmpty())
+                painter.pointLabel(number, transform.map(feature.parts.first().first()), labelFont(10, false), VectorStyle::houseNumberColor());
+        }
+    }
     if (const VectorLayer *landuse = tile.layer(QLatin1StringView("landuse")); landuse && zoom >= 15) {
         const QTransform transform = painter.transformFor(*landuse);
         for (const VectorFeature &feature : landuse->features) {

@@ -251,6 +251,21 @@ TEST(StreetRendering, AStreetIsDrawnWhereItRunsNamedAndSharpPastTheLastZoom)
     const QImage hiDpi = renderVectorTile(tile, {16, QRectF(0.25, 0.375, 0.25, 0.25), 256, 2});
     EXPECT_EQ(hiDpi.width(), 512);
     EXPECT_EQ(hiDpi.devicePixelRatio(), 2);
+
+    // A house number shows where its door is, from zoom 18 only.
+    VectorTile numbered;
+    ASSERT_TRUE(decodeVectorTile(mvt({{"housenumber", {{1, {command(1, 1), zz(1024), zz(1024)}, {0, 0}}}, {"number"}, {"193"}, {}}}),
+                                 numbered, &error));
+    const auto numberPixels = [&](double zoom) {
+        const QImage image = renderVectorTile(numbered, {zoom, QRectF(0, 0, 1, 1), 256, 1});
+        int ink = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                ink += qAlpha(image.pixel(x, y)) > 200 && qGray(image.pixel(x, y)) < 200;
+        return ink;
+    };
+    EXPECT_EQ(numberPixels(17), 0);
+    EXPECT_GT(numberPixels(18), 10);
 }
 
 // Catches a damaged tile that stops the map (or is asked for again and again), a tile past the
