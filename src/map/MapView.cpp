@@ -45,7 +45,7 @@ bool MapView::setTilePacks(const QStringList &paths, const QRectF &region)
         if (!pack.open(path, region, &error))
             qCWarning(lcMapTiles).noquote() << error << "; the pack is not used";
         else if (pack.isVector() && !m_streets.isOpen())
-            m_streets.open(path, region, &error);
+            m_streets.open(std::move(pack), region, &error);
         else if (!pack.isVector() && !m_pack.isOpen())
             m_pack = std::move(pack);
     }

@@ -37,20 +37,23 @@ StreetTiles::~StreetTiles()
 
 bool StreetTiles::open(const QString &path, const QRectF &expectedRegion, QString *error)
 {
+    MBTilesPack pack;
+    return pack.open(path, expectedRegion, error) && open(std::move(pack), expectedRegion, error);
+}
+
+bool StreetTiles::open(MBTilesPack &&pack, const QRectF &expectedRegion, QString *error)
+{
     close();
-    auto pack = std::make_unique<MBTilesPack>();
-    if (!pack->open(path, expectedRegion, error))
-        return false;
-    if (!pack->isVector()) {
-        *error = QStringLiteral("%1: its tiles are pictures, not a street map").arg(path);
+    if (!pack.isVector()) {
+        *error = QStringLiteral("%1: its tiles are pictures, not a street map").arg(pack.path());
         return false;
     }
     QMutexLocker lock(&m_mutex);
-    m_path = path;
+    m_path = pack.path();
     m_region = expectedRegion;
-    m_minZoom = pack->minZoom();
-    m_maxZoom = pack->maxZoom();
-    m_connections.push_back(std::move(pack));
+    m_minZoom = pack.minZoom();
+    m_maxZoom = pack.maxZoom();
+    m_connections.push_back(std::make_unique<MBTilesPack>(std::move(pack)));
     return true;
 }
 

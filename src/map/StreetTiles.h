@@ -34,6 +34,8 @@ public:
 
     // Takes a vector pack; false with the reason for anything else.
     bool open(const QString &path, const QRectF &expectedRegion, QString *error);
+    // Takes a pack already opened (the workers open more connections to its file as needed).
+    bool open(MBTilesPack &&pack, const QRectF &expectedRegion, QString *error);
     void close();
     bool isOpen() const;
     int minZoom() const { return m_minZoom; }

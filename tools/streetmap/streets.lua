@@ -34,7 +34,7 @@ function node_function(node)
   if zoom ~= nil and node:Find("name") ~= "" then
     node:Layer("place", false)
     node:Attribute("class", place)
-    node:Attribute("name", node:Find("name"))
+    keepName(node)
     node:MinZoom(zoom)
   end
   local number = node:Find("addr:housenumber")
