@@ -22,7 +22,10 @@ cp "$demo"/velmora-*.db "$home/Documents/"
 
 # Xvfb picks a free display itself and writes its number once it accepts connections, so two
 # virtual displays never race for one number and the app never starts before its display is up.
-exec 3< <(Xvfb -displayfd 1 -screen 0 600x900x24 -nolisten tcp 2>"$home/xvfb.log")
+# Without -noreset the server resets whenever its last client leaves (the check below, or the
+# accessibility bus launcher publishing its address), and an app connecting just then finds no
+# display.
+exec 3< <(Xvfb -displayfd 1 -noreset -screen 0 600x900x24 -nolisten tcp 2>"$home/xvfb.log")
 xvfb=$!
 read -r -t 30 display <&3 || { echo "FAIL: the virtual display did not start"; cat "$home/xvfb.log"; exit 1; }
 trap 'kill $xvfb 2>/dev/null; wait $xvfb 2>/dev/null; rm -rf "$home"' EXIT
