@@ -159,21 +159,40 @@ void BuscarViewController::setProvinceName(const QString &name)
     emit provinceTitleChanged();
 }
 
-void BuscarViewController::applyFilters(const Filters &filters)
+Filters BuscarViewController::listFilters(const Filters &filters) const
 {
     Filters copy = filters;
     if (copy.municipalities.isEmpty())
         if (const auto province = m_restaurants.province(currentProvince()))
             copy.municipalities = province->municipalityIds();
-    const bool hideClosed = !UserDefaults::standard().boolForKey(DefaultKeys::showClosedPlaces);
-    QSet<int> ids = m_restaurants.filteredIds(copy, hideClosed);
-    if (!m_activeSearch.isEmpty())
-        ids.intersect(m_searchResults);
+    return copy;
+}
+
+void BuscarViewController::applyFilters(const Filters &filters)
+{
     if (!m_lugaresVC)
         return;
-    m_lugaresVC->setEntries(ids, true, m_activeSearch);
+    // Typed text is looked up again with the new filters.
+    if (!m_activeSearch.isEmpty()) {
+        startSearching(m_activeSearch, filters);
+        return;
+    }
+    const bool hideClosed = !UserDefaults::standard().boolForKey(DefaultKeys::showClosedPlaces);
+    m_lugaresVC->setListing([restaurants = &m_restaurants, copy = listFilters(filters), hideClosed] {
+        return restaurants->searchListing(copy, hideClosed, QString());
+    },
+                            [self = QPointer(this)](bool empty) {
+                                if (self)
+                                    self->listShown(empty);
+                            });
+}
+
+void BuscarViewController::listShown(bool empty)
+{
     // Asks for fewer filters only when filters are set: an empty text search alone stays blank.
-    if (ids.isEmpty() && !m_lastFilters.isEmpty())
+    if (!m_lugaresVC)
+        return;
+    if (empty && !m_lastFilters.isEmpty())
         m_lugaresVC->showFewerFilters();
     else
         m_lugaresVC->hideFewerFilters();
@@ -270,37 +289,42 @@ void BuscarViewController::textFieldShouldClear()
     });
 }
 
-void BuscarViewController::startSearching(const QString &text)
+void BuscarViewController::startSearching(const QString &text, const std::optional<Filters> &filters)
 {
+    const Filters chosen = filters.value_or(m_lastFilters);
     // One search at a time; only the latest waiting text survives, and nothing is cancelled.
     if (m_searchRunning) {
-        m_pendingSearch = text;
+        m_pendingSearch = {text, chosen};
         return;
     }
     m_searchRunning = true;
     m_pendingSearch.reset();
     ++m_searchesStarted;
-    Restaurants *restaurants = &m_restaurants;
-    // Only the province's places are listed, so only they are matched: in memory, with the
-    // index's rules, which is quicker than asking the index for the whole country.
-    const auto province = m_restaurants.province(currentProvince());
-    const QList<int> places = province ? province->restaurants : QList<int>();
-    m_searchQueue->addOperation([self = QPointer(this), restaurants, text, places] {
-        const QSet<int> ids = restaurants->searchIds(text, places);
-        dispatchMain([self, ids] {
+    // The whole keystroke, matching, filters and order, is the search thread's: the main thread
+    // only shows the rows.
+    const bool hideClosed = !UserDefaults::standard().boolForKey(DefaultKeys::showClosedPlaces);
+    m_searchQueue->addOperation([self = QPointer(this), restaurants = &m_restaurants, text, copy = listFilters(chosen), hideClosed] {
+        const QList<Section> sections = sectionsToShow(*restaurants, restaurants->searchListing(copy, hideClosed, text));
+        dispatchMain([self, sections] {
             if (self)
-                self->searchCompleted(ids);
+                self->searchCompleted(sections);
         });
     });
 }
 
-void BuscarViewController::searchCompleted(const QSet<int> &ids)
+void BuscarViewController::searchCompleted(const QList<Section> &sections)
 {
-    m_searchResults = ids;
     m_searchRunning = false;
-    applyFilters(m_lastFilters);
-    if (m_pendingSearch)
-        startSearching(*m_pendingSearch);
+    // A search overtaken by a newer text, or by the end of searching, shows nothing.
+    if (m_pendingSearch) {
+        const auto [text, filters] = *std::exchange(m_pendingSearch, std::nullopt);
+        startSearching(text, filters);
+        return;
+    }
+    if (m_activeSearch.isEmpty() || !m_lugaresVC)
+        return;
+    m_lugaresVC->showSections(sections);
+    listShown(sections.isEmpty());
 }
 
 void BuscarViewController::updateFilterButtonColor()

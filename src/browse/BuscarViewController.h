@@ -80,11 +80,15 @@ public:
     Q_INVOKABLE void textFieldChanged(const QString &text);
     Q_INVOKABLE void textFieldShouldClear();
 
-    void startSearching(const QString &text);
-    void searchCompleted(const QSet<int> &ids);
+    // Lists the places matching `text` that pass `filters` (the saved ones when not given), on
+    // a thread of its own: one search at a time, and only the latest text waiting.
+    void startSearching(const QString &text, const std::optional<Filters> &filters = std::nullopt);
+    void searchCompleted(const QList<Section> &sections);
     bool searchRunning() const { return m_searchRunning; }
-    std::optional<QString> pendingSearch() const { return m_pendingSearch; }
-    QSet<int> searchResults() const { return m_searchResults; }
+    std::optional<QString> pendingSearch() const
+    {
+        return m_pendingSearch ? std::optional(m_pendingSearch->first) : std::nullopt;
+    }
     // How many text searches have started, for checks of the protocol.
     int searchesStarted() const { return m_searchesStarted; }
 
@@ -119,6 +123,10 @@ protected:
 
 private:
     int currentProvince() const;
+    // `filters` as the list applies them: every municipality of the province when none is chosen.
+    Filters listFilters(const Filters &filters) const;
+    // Shows the fewer-filters hint for an empty list that filters narrowed.
+    void listShown(bool empty);
     void setProvinceName(const QString &name);
     void showSearch();
     void selectTabKind(const QString &kind);
@@ -142,8 +150,7 @@ private:
     QString m_searchText;
     QString m_activeSearch;
     bool m_searchRunning = false;
-    std::optional<QString> m_pendingSearch;
-    QSet<int> m_searchResults;
+    std::optional<std::pair<QString, Filters>> m_pendingSearch;
     int m_searchesStarted = 0;
     std::unique_ptr<OperationQueue> m_searchQueue;
 };

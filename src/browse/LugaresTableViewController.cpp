@@ -17,6 +17,8 @@
 
 #include <QPointer>
 
+#include <algorithm>
+
 QList<Section> groupIntoSections(const QList<SortedEntry> &entries)
 {
     static const QString digits = QStringLiteral("0123456789");
@@ -63,9 +65,9 @@ public:
         endResetModel();
     }
 
-    // Moves to the list's new sections by replacing only the rows between the unchanged start
-    // and end of the list: typing narrows a list, and resetting the whole model would rebuild
-    // every visible card at every key.
+    // Moves to the list's new sections keeping the unchanged start and end of the list, and
+    // rewrites the rows between them in place: typing changes the rows on screen at nearly every
+    // key, and a card told its new place is far cheaper than a card made anew.
     void update()
     {
         const QList<std::pair<int, int>> target = offsetsOf(m_list.m_sections);
@@ -81,21 +83,24 @@ public:
         while (tail < before - head && tail < after - head
                && idOf(m_shown, m_index.at(before - 1 - tail)) == idOf(m_list.m_sections, target.at(after - 1 - tail)))
             ++tail;
-        if (before - head - tail > 0) {
-            beginRemoveRows({}, int(head), int(before - tail - 1));
-            m_index.remove(head, before - head - tail);
+        const qsizetype rewritten = std::min(before, after) - head - tail;
+        if (before > after) {
+            beginRemoveRows({}, int(head + rewritten), int(before - tail - 1));
+            m_index.remove(head + rewritten, before - after);
             endRemoveRows();
         }
-        // The kept rows now read the new sections; their letters are announced below.
-        const QList<std::pair<int, int>> keptHead = target.mid(0, head);
-        const QList<std::pair<int, int>> keptTail = target.mid(after - tail);
-        m_index = keptHead + keptTail;
-        m_shown = m_list.m_sections;
-        if (after - head - tail > 0) {
-            beginInsertRows({}, int(head), int(after - tail - 1));
+        // From here the rows read the new sections; what changed is announced below.
+        if (after > before) {
+            beginInsertRows({}, int(head + rewritten), int(after - tail - 1));
             m_index = target;
+            m_shown = m_list.m_sections;
             endInsertRows();
+        } else {
+            m_index = target;
+            m_shown = m_list.m_sections;
         }
+        if (rewritten > 0)
+            emit dataChanged(index(int(head)), index(int(head + rewritten - 1)));
         if (!m_index.isEmpty() && (head > 0 || tail > 0))
             emit dataChanged(index(0), index(int(m_index.size()) - 1), {SectionRole, LetterRole});
     }
@@ -231,16 +236,40 @@ void LugaresTableViewController::setEntries(const QSet<int> &ids, bool reload, c
     });
 }
 
+void LugaresTableViewController::setListing(std::function<QList<SortedEntry>()> list, std::function<void(bool empty)> shown)
+{
+    const quint64 request = ++m_sectionsRequested;
+    Globals::backgroundQueue().addOperation([self = QPointer(this), restaurants = &m_restaurants, list = std::move(list),
+                                             shown = std::move(shown), request] {
+        const QList<Section> built = sectionsToShow(*restaurants, list());
+        dispatchMain([self, built, shown, request] {
+            if (!self || request != self->m_sectionsRequested)
+                return;
+            self->setSections(built, true);
+            if (shown)
+                shown(built.isEmpty());
+        });
+    });
+}
+
+void LugaresTableViewController::showSections(const QList<Section> &sections)
+{
+    ++m_sectionsRequested;
+    setSections(sections, true);
+}
+
+QList<Section> sectionsToShow(Restaurants &restaurants, const QList<SortedEntry> &entries)
+{
+    for (qsizetype i = 0; i < std::min<qsizetype>(entries.size(), 24); ++i) {
+        restaurants.brief(entries.at(i).id);
+        restaurants.profileImage(entries.at(i).id);
+    }
+    return groupIntoSections(entries);
+}
+
 void LugaresTableViewController::buildSections(const QSet<int> &ids, const QString &searchTerm, bool reload, quint64 request)
 {
-    const QList<SortedEntry> entries = m_restaurants.sortedEntries(ids, searchTerm);
-    // The first screenful's cards read their brief and picture on the main thread; reading them
-    // here first leaves those reads to the caches.
-    for (qsizetype i = 0; i < std::min<qsizetype>(entries.size(), 24); ++i) {
-        m_restaurants.brief(entries.at(i).id);
-        m_restaurants.profileImage(entries.at(i).id);
-    }
-    const QList<Section> built = groupIntoSections(entries);
+    const QList<Section> built = sectionsToShow(m_restaurants, m_restaurants.sortedEntries(ids, searchTerm));
     dispatchMain([self = QPointer(this), built, reload, request] {
         if (self && (request == 0 || request == self->m_sectionsRequested))
             self->setSections(built, reload);

@@ -23,6 +23,9 @@ struct Section {
 // Groups an ordered list of (id, letter) into sections: digits share "#", any other first
 // character makes its own section, an empty letter joins the section before it.
 QList<Section> groupIntoSections(const QList<SortedEntry> &entries);
+// The sections of a list about to be shown, its first screenful's briefs and pictures read
+// into the caches meanwhile (the cards read them on the main thread). For a background thread.
+QList<Section> sectionsToShow(Restaurants &restaurants, const QList<SortedEntry> &entries);
 
 // The place list: any set of places, sorted into lettered sections with a side index, one card
 // a row. Its owner decides the places and the swipe buttons; the list sorts, draws and reports.
@@ -50,6 +53,11 @@ public:
 
     // The owner's way in: sorts and groups on the background queue, then shows.
     void setEntries(const QSet<int> &ids, bool reload, const QString &searchTerm);
+    // The same for entries `list` gives on the background queue; `shown` runs on the main thread
+    // once they are shown, told whether the list is empty.
+    void setListing(std::function<QList<SortedEntry>()> list, std::function<void(bool empty)> shown = {});
+    // Sections made elsewhere, shown at once (main thread); builds asked for earlier don't land.
+    void showSections(const QList<Section> &sections);
     // The worker: runs on Globals::backgroundQueue(), never on the main thread; hands the
     // sections to the main thread and reloads there when asked, unless a later setEntries()
     // asked for others meanwhile (`request` 0: show them regardless).

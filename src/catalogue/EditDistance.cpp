@@ -71,10 +71,12 @@ int EditDistanceFrom::to(QStringView name) const
     const qsizetype m = m_text.size();
     const quint64 all = m == 64 ? ~quint64(0) : (quint64(1) << m) - 1;
     quint64 v = ~quint64(0);
-    for (const QChar c : name) {
-        if (c.isSurrogate()) // scalars beyond the first plane: the plain matrix counts them right
+    const char16_t *chars = reinterpret_cast<const char16_t *>(name.utf16());
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        const char16_t c = chars[i];
+        if ((c & 0xf800) == 0xd800) // scalars beyond the first plane: the plain matrix counts them right
             return editDistance(m_text, name.toString());
-        const quint64 u = v & maskOf(c.unicode());
+        const quint64 u = v & (c < 256 ? m_latin1[c] : maskOf(c));
         v = (v + u) | (v - u);
     }
     const int common = std::popcount(~v & all);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <optional>
 
 namespace {
 
@@ -36,6 +37,20 @@ QStringList tokens(const QString &folded)
             words.append(folded.mid(start, i - start));
             start = -1;
         }
+    }
+    return words;
+}
+
+// The folded words of typed text, as the index reads its query; none at all when a piece of it
+// is punctuation alone, which is no term the index could look up.
+std::optional<QStringList> searchWords(const QString &text)
+{
+    QStringList words;
+    for (const QString &piece : wordsOf(text)) {
+        const QStringList pieceWords = tokens(foldForSearch(piece));
+        if (pieceWords.isEmpty())
+            return std::nullopt;
+        words += pieceWords;
     }
     return words;
 }
@@ -183,48 +198,101 @@ int PlaceListing::positionOf(int id) const
 
 QList<SortedEntry> PlaceListing::sorted(const QSet<int> &ids, const QString &text) const
 {
-    if (!text.isEmpty())
-        fold();
-    // Each entry is one 64-bit key, so the order is a sort of integers: letter (16 bits),
-    // distance (16 bits) and rank (32 bits), most significant first.
-    // Places are visited in the order they were read, not the set's hash order: the names then
-    // stream through the cache instead of each costing a miss.
-    std::vector<int> positions;
-    positions.reserve(size_t(ids.size()));
+    return entriesOf(bitsOf(ids), text);
+}
+
+PlaceBits PlaceListing::bitsOf(const QSet<int> &ids) const
+{
+    PlaceBits bits(m_places.size());
     for (int id : ids)
         if (const int position = positionOf(id); position >= 0)
-            positions.push_back(position);
-    std::sort(positions.begin(), positions.end());
+            bits.set(size_t(position));
+    return bits;
+}
 
-    std::vector<quint64> keys;
-    keys.reserve(positions.size());
-    const std::optional<EditDistanceFrom> distanceFrom = text.isEmpty() ? std::nullopt : std::optional(EditDistanceFrom(text));
-    const QString lowered = text.toLower();
-    constexpr quint64 farthest = (quint64(1) << 16) - 1;
-    for (const int position : positions) {
-        const Place &place = m_places[size_t(position)];
-        if (place.rank < 0)
-            continue;
-        if (!distanceFrom) {
-            keys.push_back(quint64(place.rank));
-            continue;
-        }
-        // Names that contain the text lead; no name at all comes last in its section.
-        quint64 distance = farthest;
-        if (place.named) {
-            const qsizetype from = m_nameOffsets[size_t(position)];
-            const qsizetype length = m_nameOffsets[size_t(position) + 1] - from;
-            distance = QStringView(m_loweredNames).mid(from, length).contains(lowered)
-                ? 0
-                : std::min<quint64>(farthest, quint64(distanceFrom->to(QStringView(m_names).mid(from, length))));
-        }
-        keys.push_back((quint64(place.letter) << 48) | (distance << 32) | quint64(place.rank));
+QList<SortedEntry> PlaceListing::listed(PlaceBits places, const QString &text) const
+{
+    if (!text.isEmpty()) {
+        const std::optional<QStringList> words = searchWords(text);
+        if (!words || words->isEmpty())
+            return {};
+        keepMatching(places, *words);
     }
-    std::sort(keys.begin(), keys.end());
+    return entriesOf(places, text);
+}
+
+QList<SortedEntry> PlaceListing::entriesOf(const PlaceBits &places, const QString &text) const
+{
+    // Places are visited in the order they were read, so the names stream through the cache,
+    // and set by rank, so that walking the ranks gives them in order.
+    PlaceBits ranks(m_byRank.size());
+    constexpr quint64 farthest = (quint64(1) << 16) - 1;
+    std::vector<quint16> distances;
+    if (text.isEmpty()) {
+        places.forEach([&](size_t position) {
+            if (const int rank = m_places[position].rank; rank >= 0)
+                ranks.set(size_t(rank));
+        });
+    } else {
+        fold();
+        distances.assign(m_byRank.size(), 0);
+        const EditDistanceFrom distanceFrom(text);
+        const QString lowered = text.toLower();
+        // A single letter absent from the lower-cased name is absent from the name itself.
+        const bool oneLetter = text.size() == 1 && lowered.size() == 1 && text.at(0).toLower() == lowered.at(0)
+            && !text.at(0).isSurrogate();
+        places.forEach([&](size_t position) {
+            const Place &place = m_places[position];
+            if (place.rank < 0)
+                return;
+            ranks.set(size_t(place.rank));
+            // Names that contain the text lead; no name at all comes last in its section.
+            quint64 distance = farthest;
+            if (place.named) {
+                const qsizetype from = m_nameOffsets[position];
+                const qsizetype length = m_nameOffsets[position + 1] - from;
+                if (QStringView(m_loweredNames).mid(from, length).contains(lowered))
+                    distance = 0;
+                else if (oneLetter) // nothing in common: every letter of both is an edit
+                    distance = std::min<quint64>(farthest, quint64(1 + length));
+                else
+                    distance = std::min<quint64>(farthest, quint64(distanceFrom.to(QStringView(m_names).mid(from, length))));
+            }
+            distances[size_t(place.rank)] = quint16(distance);
+        });
+    }
+    // The ranks come in order; with text, two stable counting passes, by distance and then by
+    // letter, give the order of (letter, distance, rank) in linear time: a list of every place
+    // of a province is tens of thousands of entries.
+    std::vector<quint32> order;
+    order.reserve(places.size());
+    ranks.forEach([&](size_t rank) { order.push_back(quint32(rank)); });
+    const auto stableBy = [&](auto &&keyOf, size_t range) {
+        std::vector<quint32> starts(range + 1, 0);
+        for (const quint32 rank : order)
+            ++starts[keyOf(rank) + 1];
+        for (size_t k = 1; k <= range; ++k)
+            starts[k] += starts[k - 1];
+        std::vector<quint32> sorted(order.size());
+        for (const quint32 rank : order)
+            sorted[starts[keyOf(rank)]++] = rank;
+        order.swap(sorted);
+    };
+    if (!distances.empty()) {
+        quint16 farthestFound = 0;
+        for (const quint32 rank : order)
+            farthestFound = std::max(farthestFound, distances[rank]);
+        if (farthestFound > 0)
+            stableBy([&](quint32 rank) { return size_t(distances[rank]); }, size_t(farthestFound) + 1);
+    }
+    // Without text the order is the sort names' alone; with text the sections come first.
+    const auto letterOf = [&](quint32 rank) { return size_t(m_byRank[rank].second); };
+    if (!text.isEmpty() && !std::is_sorted(order.begin(), order.end(), [&](quint32 a, quint32 b) { return letterOf(a) < letterOf(b); }))
+        stableBy(letterOf, size_t(m_letters.size()));
     QList<SortedEntry> entries;
-    entries.reserve(qsizetype(keys.size()));
-    for (const quint64 key : keys) {
-        const auto &[id, letter] = m_byRank[size_t(key & 0xffffffffu)];
+    entries.reserve(qsizetype(order.size()));
+    for (const quint32 rank : order) {
+        const auto &[id, letter] = m_byRank[rank];
         entries.append({id, m_letters.at(letter)});
     }
     return entries;
@@ -256,6 +324,12 @@ void PlaceListing::fold() const
         // Only the strings made here are read from now on.
         std::vector<QString>().swap(m_readNames);
         std::vector<QString>().swap(m_addresses);
+        const auto span = [](const QString &text, const std::vector<qsizetype> &offsets, size_t i) {
+            return QStringView(text).mid(offsets[i], offsets[i + 1] - offsets[i]);
+        };
+        m_grams = PlaceGrams(
+            m_places.size(), [&](size_t i) { return span(m_foldedNames, m_foldedNameOffsets, i); },
+            [&](size_t i) { return span(m_foldedAddresses, m_foldedAddressOffsets, i); });
     });
 }
 
@@ -270,35 +344,52 @@ bool PlaceListing::matches(size_t position, const QStringList &words) const
     });
 }
 
+void PlaceListing::keepMatching(PlaceBits &places, const QStringList &words) const
+{
+    fold();
+    const auto span = [](const QString &text, const std::vector<qsizetype> &offsets, size_t position) {
+        return QStringView(text).mid(offsets[position], offsets[position + 1] - offsets[position]);
+    };
+    for (const QString &word : words) {
+        if (PlaceGrams::answersOutright(word)) {
+            places &= m_grams.candidates(word);
+            continue;
+        }
+        // Each side read only where its letters are: a word every address starts with ("calle")
+        // needs no name read, a rare one no address.
+        PlaceBits inName = m_grams.inName(word);
+        inName &= places;
+        PlaceBits found(places.size());
+        inName.forEach([&](size_t position) {
+            if (span(m_foldedNames, m_foldedNameOffsets, position).contains(word))
+                found.set(position);
+        });
+        PlaceBits inAddress = m_grams.atAddressWordStart(word);
+        inAddress &= places;
+        if (PlaceGrams::answersAtAddressOutright(word))
+            found |= inAddress;
+        else
+            inAddress.forEach([&](size_t position) {
+                if (!found.test(position) && startsAWord(span(m_foldedAddresses, m_foldedAddressOffsets, position), word))
+                    found.set(position);
+            });
+        places = std::move(found);
+    }
+}
+
 QSet<int> PlaceListing::matching(const QString &text, const QList<int> *within) const
 {
-    QStringList words;
-    for (const QString &piece : wordsOf(text)) {
-        const QStringList pieceWords = tokens(foldForSearch(piece));
-        if (pieceWords.isEmpty())
-            return {}; // punctuation alone is no term the index could look up
-        words += pieceWords;
-    }
     QSet<int> found;
-    if (words.isEmpty())
+    const std::optional<QStringList> words = searchWords(text);
+    if (!words || words->isEmpty())
         return found;
-    fold();
-    if (within) {
-        // In read order, so the folded text streams through the cache.
-        std::vector<int> positions;
-        positions.reserve(size_t(within->size()));
+    PlaceBits places(m_places.size(), !within);
+    if (within)
         for (int id : *within)
             if (const int position = positionOf(id); position >= 0)
-                positions.push_back(position);
-        std::sort(positions.begin(), positions.end());
-        found.reserve(qsizetype(positions.size()));
-        for (const int position : positions)
-            if (matches(size_t(position), words))
-                found.insert(m_places[size_t(position)].id);
-        return found;
-    }
-    for (size_t i = 0; i < m_places.size(); ++i)
-        if (matches(i, words))
-            found.insert(m_places[i].id);
+                places.set(size_t(position));
+    keepMatching(places, *words);
+    found.reserve(qsizetype(places.count()));
+    places.forEach([&](size_t position) { found.insert(m_places[position].id); });
     return found;
 }

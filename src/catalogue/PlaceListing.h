@@ -1,5 +1,7 @@
 #pragma once
 
+#include "catalogue/PlaceBits.h"
+#include "catalogue/PlaceGrams.h"
 #include "catalogue/Records.h"
 
 #include <QHash>
@@ -34,6 +36,11 @@ public:
     // address, or found inside a word of the name. Only among `within` when given: a keystroke
     // needs the matches of one province, not of the whole country.
     QSet<int> matching(const QString &text, const QList<int> *within = nullptr) const;
+    // One keystroke of the search screen: the places of `places` that match `text` (all of them
+    // when it is empty), in list order, as sorted() would give them.
+    QList<SortedEntry> listed(PlaceBits places, const QString &text) const;
+    // The places of `ids` this listing has, as bits of listed().
+    PlaceBits bitsOf(const QSet<int> &ids) const;
     // Prepares what text listing and matching read (lower-cased and folded names and addresses);
     // done on first need otherwise.
     void fold() const;
@@ -49,6 +56,9 @@ private:
     };
     int positionOf(int id) const;
     bool matches(size_t position, const QStringList &words) const;
+    // Leaves in `places` only those matching `words`.
+    void keepMatching(PlaceBits &places, const QStringList &words) const;
+    QList<SortedEntry> entriesOf(const PlaceBits &places, const QString &text) const;
 
     std::vector<Place> m_places;
     std::vector<int> m_denseIds;  // place id -> index into m_places, -1 for none (ids are small)
@@ -69,4 +79,5 @@ private:
     mutable QString m_foldedAddresses;
     mutable std::vector<qsizetype> m_foldedNameOffsets;
     mutable std::vector<qsizetype> m_foldedAddressOffsets;
+    mutable PlaceGrams m_grams; // over the folded text
 };

@@ -21,12 +21,14 @@
 
 #include <filesystem>
 #include <memory>
+#include <tuple>
 #include <optional>
 #include <thread>
 #include <vector>
 
 class Database;
 struct SqlSandbox;
+class PlaceBits;
 class PlaceListing;
 class DatabaseQueue;
 class UserDefaults;
@@ -174,6 +176,10 @@ public:
     QSet<int> searchIds(const QString &text, const QList<int> &within) const;
     QSet<int> filteredIds(const Filters &filters, bool hideClosed) const;
     QList<SortedEntry> sortedEntries(const QSet<int> &ids, const QString &text);
+    // All three at once, as one keystroke of the search screen needs them: the places passing
+    // the filters that match `text` (every one of them when it is empty), in list order. The
+    // same entries as the three steps give, without a set of ids between them.
+    QList<SortedEntry> searchListing(const Filters &filters, bool hideClosed, const QString &text) const;
 
     // The open catalogue, for the readers of the other catalogue operations.
     std::shared_ptr<DatabaseQueue> dbq() const;
@@ -246,6 +252,8 @@ private:
     std::shared_ptr<DatabaseQueue> m_fts_dbq; // guarded by m_mutex
     mutable QHash<QString, QSet<int>> m_filteredCache; // filteredIds by statement and cuisines
     mutable quint64 m_filteredGeneration = 0;
+    // The last filters' places as bits of the listing they were made for.
+    mutable std::tuple<QString, std::shared_ptr<const PlaceListing>, std::shared_ptr<const PlaceBits>> m_filteredBits;
     mutable std::mutex m_listMutex; // one reader of the listing at a time
     mutable std::shared_ptr<const PlaceListing> m_listing;
     mutable quint64 m_listingGeneration = 0;

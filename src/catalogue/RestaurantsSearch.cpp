@@ -298,6 +298,26 @@ QSet<int> Restaurants::searchIds(const QString &text, const QList<int> &within) 
     return listing ? listing->matching(text, &within) : QSet<int>();
 }
 
+namespace {
+// The statement that reads the places passing `filters`.
+QString filterStatement(const Filters &filters, bool hideClosed)
+{
+    QString sql = QStringLiteral("SELECT id FROM restaurants");
+    if (!filters.municipalities.isEmpty())
+        sql += QStringLiteral(" WHERE (county_id IN (") + joinedIds(filters.municipalities) + QStringLiteral("))");
+    if (!filters.prices.isEmpty())
+        sql += QStringLiteral(" AND (price_rank_id IN (") + joinedIds(filters.prices) + QStringLiteral("))");
+    if (hideClosed)
+        sql += QStringLiteral(" AND oof != 1");
+    return sql;
+}
+
+QString filterCacheKey(const QString &sql, const Filters &filters)
+{
+    return sql + QLatin1Char('|') + joinedIds(filters.cuisines);
+}
+}
+
 QSet<int> Restaurants::filteredIds(const Filters &filters, bool hideClosed) const
 {
     QSet<int> ids;
@@ -310,14 +330,8 @@ QSet<int> Restaurants::filteredIds(const Filters &filters, bool hideClosed) cons
         qCWarning(lcSearch) << "Filtering by price or by closed places needs municipalities; no places";
         return ids;
     }
-    QString sql = QStringLiteral("SELECT id FROM restaurants");
-    if (!filters.municipalities.isEmpty())
-        sql += QStringLiteral(" WHERE (county_id IN (") + joinedIds(filters.municipalities) + QStringLiteral("))");
-    if (!filters.prices.isEmpty())
-        sql += QStringLiteral(" AND (price_rank_id IN (") + joinedIds(filters.prices) + QStringLiteral("))");
-    if (hideClosed)
-        sql += QStringLiteral(" AND oof != 1");
-    const QString cacheKey = sql + QLatin1Char('|') + joinedIds(filters.cuisines);
+    const QString sql = filterStatement(filters, hideClosed);
+    const QString cacheKey = filterCacheKey(sql, filters);
 
     // Typing asks for the same filters at every key: answered from memory within one catalogue.
     std::shared_ptr<const PlaceCuisines> placeCuisines;
@@ -357,4 +371,26 @@ QList<SortedEntry> Restaurants::sortedEntries(const QSet<int> &ids, const QStrin
 {
     const auto listing = placeListing();
     return listing ? listing->sorted(ids, text) : QList<SortedEntry>();
+}
+
+QList<SortedEntry> Restaurants::searchListing(const Filters &filters, bool hideClosed, const QString &text) const
+{
+    const auto listing = dbq() ? placeListing() : nullptr;
+    if (!listing)
+        return {};
+    // Typing asks for the same filters at every key: their places are made bits once.
+    const QString key = filterCacheKey(filterStatement(filters, hideClosed), filters);
+    std::shared_ptr<const PlaceBits> places;
+    {
+        std::lock_guard lock(m_mutex);
+        const auto &[cachedKey, cachedListing, cachedBits] = m_filteredBits;
+        if (cachedKey == key && cachedListing == listing)
+            places = cachedBits;
+    }
+    if (!places) {
+        places = std::make_shared<const PlaceBits>(listing->bitsOf(filteredIds(filters, hideClosed)));
+        std::lock_guard lock(m_mutex);
+        m_filteredBits = {key, listing, places};
+    }
+    return listing->listed(*places, text);
 }

@@ -351,3 +351,53 @@ TEST(Search, PlaceCuisinesGroupsAndOverlays)
     EXPECT_FALSE(merged.sharesAny(7, {3}));
     EXPECT_FALSE(merged.sharesAny(3, {1}));
 }
+
+// Catches: the search screen's keystroke, answered from letter pairs and bits of the listing,
+// listing other places or another order than the index, the filters and the sort give one after
+// another: every one- and two-letter text, accents, signs and longer words, with and without
+// the closed places, in a province of a generated catalogue with a few awkward names added.
+TEST(Search, TheKeystrokeListsWhatTheIndexFiltersAndSortList)
+{
+    CatalogueFixture fixture = CatalogueFixture::generated(1200, 11);
+    const int municipality = fixture.places.first().county_id;
+    const auto add = [&](int id, const QString &name, const QString &address) {
+        fixture.places.append({id, name, name.toLower(), municipality, 2, 0, address, std::nullopt});
+    };
+    add(90001, QStringLiteral("CAFÉ  Ñandú\tdel Mar"), QStringLiteral("Malecón y 23"));
+    add(90002, QStringLiteral("Casa-Pepe's O'Reilly"), QStringLiteral("Calle O'Reilly 304, esq. Aguiar"));
+    add(90003, QStringLiteral("Ca"), QStringLiteral("5ta Avenida"));
+    TestHome home;
+    home.addCatalogue(fixture, QStringLiteral("velmora-20170101.db"));
+    Restaurants restaurants(home.environment());
+    restaurants.waitForSearchIndex();
+    ASSERT_TRUE(restaurants.ftsQueue());
+    Filters filters;
+    for (const auto &province : restaurants.provinces())
+        if (province->municipalityIds().contains(municipality))
+            filters.municipalities = province->municipalityIds();
+    ASSERT_FALSE(filters.municipalities.isEmpty());
+
+    QStringList texts = {QString(), QStringLiteral("Á"), QStringLiteral("ñ"), QStringLiteral("É"), QStringLiteral("calle"),
+                         QStringLiteral("cal"), QStringLiteral("bode"), QStringLiteral("la g"), QStringLiteral("cafe mar"),
+                         QStringLiteral("o'rei"), QStringLiteral("-"), QStringLiteral("  "), QStringLiteral("5ta"),
+                         QStringLiteral("reilly"), QStringLiteral("zzz")};
+    const QString letters = QStringLiteral("abcdefghijklmnopqrstuvwxyz0123456789ñ");
+    for (const QChar first : letters) {
+        texts.append(first);
+        for (const QChar second : QStringLiteral("aeiolnrs2"))
+            texts.append(QString(first) + second);
+    }
+    int listedSome = 0;
+    for (const bool hideClosed : {false, true}) {
+        const QSet<int> passing = restaurants.filteredIds(filters, hideClosed);
+        for (const QString &text : texts) {
+            QSet<int> ids = passing;
+            if (!text.isEmpty())
+                ids.intersect(restaurants.searchIds(text));
+            const QList<SortedEntry> expected = restaurants.sortedEntries(ids, text);
+            EXPECT_EQ(restaurants.searchListing(filters, hideClosed, text), expected) << text.toStdString();
+            listedSome += !expected.isEmpty();
+        }
+    }
+    EXPECT_GT(listedSome, 150) << "the texts list places, not only empty lists";
+}
