@@ -26,6 +26,7 @@ MapView::MapView(QQuickItem *parent)
     setActiveFocusOnTab(true);
     // A street tile drawn on a worker shows in the next frame.
     connect(&m_streets, &StreetTiles::tileReady, this, &QQuickItem::update, Qt::QueuedConnection);
+    connect(&m_tileDecoder, &TileDecoder::tileReady, this, &QQuickItem::update, Qt::QueuedConnection);
     m_readablePinsTimer.setSingleShot(true);
     m_readablePinsTimer.setInterval(150);
     connect(&m_readablePinsTimer, &QTimer::timeout, this, &MapView::refreshReadablePins);
@@ -49,6 +50,7 @@ bool MapView::setTilePacks(const QStringList &paths, const QRectF &region)
         else if (!pack.isVector() && !m_pack.isOpen())
             m_pack = std::move(pack);
     }
+    m_tileDecoder.setPack(m_pack.isOpen() ? m_pack.path() : QString());
     if (!hasBaseMap())
         qCWarning(lcMapTiles).noquote() << "no base map in the documents folder; the map shows its plain background";
     ++m_packGeneration;

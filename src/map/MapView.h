@@ -5,6 +5,7 @@
 #include "map/PinIndex.h"
 #include "map/PinRenderer.h"
 #include "map/StreetTiles.h"
+#include "map/TileDecoder.h"
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -159,6 +160,7 @@ private:
 
     MapViewDelegate *m_delegate = nullptr;
     MBTilesPack m_pack;
+    TileDecoder m_tileDecoder; // the same pack's tiles, decoded off the main thread
     StreetTiles m_streets;
     int m_packGeneration = 0;
     MapCamera m_camera;

@@ -199,23 +199,41 @@ QSGNode *MapView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *)
         const int zoom = std::clamp(int(std::lround(m_camera.zoom)), m_pack.minZoom(), m_pack.maxZoom());
         const QPoint first = TileMath::tileAt(visible.topLeft(), zoom);
         const QPoint last = TileMath::tileAt(visible.bottomRight(), zoom);
+        // The texture of a tile, made from its picture when it has one: read here and now, or
+        // asked of the decoder (`pending` while it is at it).
+        const auto textureOf = [&](int z, int c, int r, bool now, bool &pending) -> QSGTexture * {
+            const quint64 key = tileKey(z, c, r);
+            QSGTexture *texture = root->textures.value(key);
+            if (!texture && !root->lastUsed.contains(key)) {
+                QImage image;
+                if (now)
+                    image = m_pack.tile(z, c, r);
+                else if (m_tileDecoder.take(z, c, r, &image) == TileDecoder::State::Pending) {
+                    pending = true;
+                    return nullptr;
+                }
+                if (!image.isNull()) {
+                    texture = win->createTextureFromImage(image);
+                    root->textures.insert(key, texture);
+                }
+            }
+            root->lastUsed.insert(key, root->frame); // a known gap isn't read again
+            return texture;
+        };
         for (int row = first.y(); row <= last.y(); ++row) {
             for (int column = first.x(); column <= last.x(); ++column) {
                 int z = zoom, c = column, r = row;
                 QSGTexture *texture = nullptr;
-                for (; z >= m_pack.minZoom() && zoom - z <= 10; --z, c /= 2, r /= 2) {
-                    const quint64 key = tileKey(z, c, r);
-                    texture = root->textures.value(key);
-                    if (!texture && !root->lastUsed.contains(key)) {
-                        const QImage image = m_pack.tile(z, c, r);
-                        if (!image.isNull()) {
-                            texture = win->createTextureFromImage(image);
-                            root->textures.insert(key, texture);
-                        }
-                    }
-                    root->lastUsed.insert(key, root->frame); // a known gap isn't read again
-                    if (texture)
+                bool pending = false;
+                // A coarser tile shows while the decoder makes this one; with nothing at all to
+                // show (the first frame, a pan onto new ground) the tile is read at once, as a
+                // blank would be worse than a late frame.
+                for (const bool now : {false, true}) {
+                    if (now && (texture || !pending))
                         break;
+                    for (z = zoom, c = column, r = row; z >= m_pack.minZoom() && zoom - z <= 10; --z, c /= 2, r /= 2)
+                        if ((texture = textureOf(z, c, r, now, pending)))
+                            break;
                 }
                 if (!texture)
                     continue;
