@@ -24,7 +24,18 @@ QList<Section> groupIntoSections(const QList<SortedEntry> &entries)
     static const QString digits = QStringLiteral("0123456789");
     QList<Section> sections;
     QString previous;
+    const QChar *previousLetter = nullptr; // the letter of the last entry, as stored
+    qsizetype previousSize = 0;
     for (const SortedEntry &entry : entries) {
+        // The entries of a listing share their section's letter: the same text as the last
+        // entry's joins its section without being looked at again.
+        if (!sections.isEmpty() && previousLetter && entry.letter.constData() == previousLetter
+            && entry.letter.size() == previousSize) {
+            sections.last().ids.append(entry.id);
+            continue;
+        }
+        previousLetter = entry.letter.isEmpty() ? nullptr : entry.letter.constData();
+        previousSize = entry.letter.size();
         // A place without a letter starts no section: it joins the last one, or has none to join.
         if (entry.letter.isEmpty()) {
             if (!sections.isEmpty())

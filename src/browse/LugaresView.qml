@@ -45,6 +45,9 @@ Rectangle {
         model: root.controller ? root.controller.rows : null
         boundsBehavior: Flickable.StopAtBounds
         reuseItems: true
+        // Cards off screen would be rewritten with those on it at every key: cards come from
+        // the reuse pool as the list scrolls instead.
+        cacheBuffer: 0
         Accessible.role: Accessible.List
         Accessible.name: qsTrId("a11y_place_list")
         delegate: RestaurantCard {

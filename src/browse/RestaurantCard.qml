@@ -81,7 +81,7 @@ SwipeDelegate {
     ListView.onPooled: { card.swipe.close(); card.pooled = true }
     ListView.onReused: { card.swipe.close(); card.pooled = false }
     // Typing rewrites the cards on screen in place: one told another place comes back closed too.
-    onRidChanged: card.swipe.close()
+    onRidChanged: if (card.swipe.position !== 0) card.swipe.close()
     // A reader reads the cards in the order they stand, however the list made and reused them.
     onYChanged: ReadingOrder.sortSoon(parent)
     Component.onCompleted: ReadingOrder.sortSoon(parent)

@@ -82,3 +82,29 @@ int EditDistanceFrom::to(QStringView name) const
     const int common = std::popcount(~v & all);
     return int(m + name.size()) - 2 * common;
 }
+
+void EditDistanceFrom::toFour(const QStringView (&names)[4], int (&distances)[4]) const
+{
+    const auto plain = [](QStringView name) {
+        return std::any_of(name.begin(), name.end(), [](QChar c) { return c.isSurrogate(); });
+    };
+    if (!m_bitParallel || std::any_of(std::begin(names), std::end(names), plain)) {
+        for (int i = 0; i < 4; ++i)
+            distances[i] = to(names[i]);
+        return;
+    }
+    const qsizetype m = m_text.size();
+    const quint64 all = m == 64 ? ~quint64(0) : (quint64(1) << m) - 1;
+    quint64 v[4] = {~quint64(0), ~quint64(0), ~quint64(0), ~quint64(0)};
+    const qsizetype longest = std::max({names[0].size(), names[1].size(), names[2].size(), names[3].size()});
+    for (qsizetype at = 0; at < longest; ++at)
+        for (int i = 0; i < 4; ++i) {
+            if (at >= names[i].size())
+                continue;
+            const char16_t c = names[i][at].unicode();
+            const quint64 u = v[i] & (c < 256 ? m_latin1[c] : maskOf(c));
+            v[i] = (v[i] + u) | (v[i] - u);
+        }
+    for (int i = 0; i < 4; ++i)
+        distances[i] = int(m + names[i].size()) - 2 * std::popcount(~v[i] & all);
+}

@@ -17,6 +17,9 @@ class EditDistanceFrom
 public:
     explicit EditDistanceFrom(const QString &text);
     int to(QStringView name) const;
+    // to() for four names at once: their steps interleave, so the processor runs four at the
+    // pace of one.
+    void toFour(const QStringView (&names)[4], int (&distances)[4]) const;
 
 private:
     quint64 maskOf(char16_t c) const;

@@ -37,6 +37,14 @@ public:
         return *this;
     }
 
+    // Adds the places of `words`, a set of the same size laid out as this one's.
+    void unite(const quint64 *words)
+    {
+        for (size_t w = 0; w < m_words.size(); ++w)
+            m_words[w] |= words[w];
+    }
+    size_t wordCount() const { return m_words.size(); }
+
     size_t count() const
     {
         size_t n = 0;

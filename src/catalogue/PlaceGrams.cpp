@@ -61,21 +61,35 @@ PlaceGrams::PlaceGrams(size_t count, const Text &names, const Text &addresses)
     for (auto it = counts.cbegin(); it != counts.cend(); ++it)
         m_keys.push_back(it.key());
     std::sort(m_keys.begin(), m_keys.end());
+    // A list costs 32 bits a place, a set one bit for every place of the listing.
+    const size_t words = (count + 63) / 64;
     m_starts.reserve(m_keys.size() + 1);
+    m_dense.reserve(m_keys.size());
     QHash<quint64, quint32> slotOf;
     quint32 total = 0;
+    qint32 sets = 0;
     for (size_t i = 0; i < m_keys.size(); ++i) {
         m_starts.push_back(total);
         slotOf.insert(m_keys[i], quint32(i));
-        total += counts.value(m_keys[i]);
+        const quint32 held = counts.value(m_keys[i]);
+        const bool dense = size_t(held) * 32 > count;
+        m_dense.push_back(dense ? sets++ : -1);
+        if (!dense)
+            total += held;
     }
     m_starts.push_back(total);
     m_positions.resize(total);
+    m_denseWords.assign(size_t(sets) * words, 0);
     std::vector<quint32> next(m_starts.begin(), m_starts.end() - 1);
     for (size_t place = 0; place < count; ++place) {
         gramsOf(names(place), addresses(place), grams);
-        for (const quint64 g : grams)
-            m_positions[next[slotOf.value(g)]++] = quint32(place);
+        for (const quint64 g : grams) {
+            const quint32 slot = slotOf.value(g);
+            if (const qint32 set = m_dense[slot]; set >= 0)
+                m_denseWords[size_t(set) * words + place / 64] |= quint64(1) << (place % 64);
+            else
+                m_positions[next[slot]++] = quint32(place);
+        }
     }
 }
 
@@ -85,6 +99,10 @@ void PlaceGrams::add(quint64 key, PlaceBits &into) const
     if (found == m_keys.end() || *found != key)
         return;
     const size_t slot = size_t(found - m_keys.begin());
+    if (const qint32 set = m_dense[slot]; set >= 0) {
+        into.unite(m_denseWords.data() + size_t(set) * ((m_count + 63) / 64));
+        return;
+    }
     for (quint32 i = m_starts[slot]; i < m_starts[slot + 1]; ++i)
         into.set(m_positions[i]);
 }

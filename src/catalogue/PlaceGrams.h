@@ -31,13 +31,21 @@ public:
     PlaceBits atAddressWordStart(QStringView word) const;
     static bool answersAtAddressOutright(QStringView word) { return word.size() <= 3; }
     // What the posting lists hold, for the memory figures.
-    size_t bytes() const { return m_positions.size() * sizeof(quint32) + m_keys.size() * (sizeof(quint64) + sizeof(quint32)); }
+    size_t bytes() const
+    {
+        return (m_positions.size() + m_keys.size() * 3) * sizeof(quint32) + (m_keys.size() + m_denseWords.size()) * sizeof(quint64);
+    }
 
 private:
     void add(quint64 key, PlaceBits &into) const;
 
     size_t m_count = 0;
     std::vector<quint64> m_keys;     // ascending
-    std::vector<quint32> m_starts;   // key i's places are m_positions[m_starts[i], m_starts[i + 1])
+    // A key held by few places lists them: m_positions[m_starts[i], m_starts[i + 1]). One held by
+    // many (a common letter, "calle") is a set of bits instead, smaller and quicker to add:
+    // m_dense[i] is its index among the sets in m_denseWords, or -1.
+    std::vector<quint32> m_starts;
     std::vector<quint32> m_positions;
+    std::vector<qint32> m_dense;
+    std::vector<quint64> m_denseWords;
 };

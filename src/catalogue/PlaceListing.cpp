@@ -241,12 +241,14 @@ QList<SortedEntry> PlaceListing::entriesOf(const PlaceBits &places, const QStrin
         // A single letter absent from the lower-cased name is absent from the name itself.
         const bool oneLetter = text.size() == 1 && lowered.size() == 1 && text.at(0).toLower() == lowered.at(0)
             && !text.at(0).isSurrogate();
+        // Names that contain the text lead; no name at all comes last in its section. The
+        // others are measured four at a time.
+        std::vector<size_t> measured;
         places.forEach([&](size_t position) {
             const Place &place = m_places[position];
             if (place.rank < 0)
                 return;
             ranks.set(size_t(place.rank));
-            // Names that contain the text lead; no name at all comes last in its section.
             quint64 distance = farthest;
             if (place.named) {
                 const qsizetype from = m_nameOffsets[position];
@@ -256,10 +258,27 @@ QList<SortedEntry> PlaceListing::entriesOf(const PlaceBits &places, const QStrin
                 else if (oneLetter) // nothing in common: every letter of both is an edit
                     distance = std::min<quint64>(farthest, quint64(1 + length));
                 else
-                    distance = std::min<quint64>(farthest, quint64(distanceFrom.to(QStringView(m_names).mid(from, length))));
+                    measured.push_back(position);
             }
             distances[size_t(place.rank)] = quint16(distance);
         });
+        const auto nameAt = [&](size_t position) {
+            return QStringView(m_names).mid(m_nameOffsets[position], m_nameOffsets[position + 1] - m_nameOffsets[position]);
+        };
+        const auto store = [&](size_t position, int distance) {
+            distances[size_t(m_places[position].rank)] = quint16(std::min<quint64>(farthest, quint64(distance)));
+        };
+        size_t next = 0;
+        for (; next + 4 <= measured.size(); next += 4) {
+            const QStringView names[4] = {nameAt(measured[next]), nameAt(measured[next + 1]), nameAt(measured[next + 2]),
+                                          nameAt(measured[next + 3])};
+            int found[4];
+            distanceFrom.toFour(names, found);
+            for (int i = 0; i < 4; ++i)
+                store(measured[next + size_t(i)], found[i]);
+        }
+        for (; next < measured.size(); ++next)
+            store(measured[next], distanceFrom.to(nameAt(measured[next])));
     }
     // The ranks come in order; with text, two stable counting passes, by distance and then by
     // letter, give the order of (letter, distance, rank) in linear time: a list of every place
