@@ -16,13 +16,15 @@
 #include <QTest>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 // The app in an offscreen window on a demo of `places` places, in a fresh home, with the capital
 // chosen and its first list shown. A demo made by the toolkit beforehand (VELMORA_BENCH_DEMO
 // names the file) keeps the making of it out of the process's memory figures.
 struct BenchApp {
-    explicit BenchApp(int places)
+    // `beforeLaunch` runs in the new home before the app starts (settings a benchmark needs).
+    explicit BenchApp(int places, const std::function<void()> &beforeLaunch = {})
     {
         Paths::setRoot(home.path());
         QDir().mkpath(Paths::documents());
@@ -39,6 +41,8 @@ struct BenchApp {
                 qFatal("%s", qPrintable(error));
         }
         UserDefaults::standard().setInteger(1, QStringLiteral("Province"));
+        if (beforeLaunch)
+            beforeLaunch();
         delegate = std::make_unique<AppDelegate>();
         delegate->didFinishLaunching();
         window = std::make_unique<AppWindow>(*delegate);

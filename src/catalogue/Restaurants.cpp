@@ -7,9 +7,11 @@
 #include "catalogue/CatalogueFiles.h"
 #include "catalogue/PlaceListing.h"
 #include "platform/DatabaseQueue.h"
+#include "platform/Dispatch.h"
 #include "platform/Localize.h"
 #include "platform/Logging.h"
 #include "platform/NotificationCenter.h"
+#include "platform/OperationQueue.h"
 #include "platform/Paths.h"
 #include "platform/UserDefaults.h"
 
@@ -101,12 +103,14 @@ Restaurants::Restaurants(Environment environment)
     : m_env(std::move(environment))
     , m_localizedProvinceNames(builtInProvinceNames())
     , m_lang(m_env.language.isEmpty() ? QStringLiteral("en") : m_env.language)
+    , m_reloads(std::make_unique<OperationQueue>(1))
 {
     loadDatabase();
 }
 
 Restaurants::~Restaurants()
 {
+    m_reloads->waitUntilAllOperationsAreFinished();
     waitForSearchIndex();
 }
 
@@ -501,6 +505,12 @@ bool Restaurants::readCuisinesAndVersion(Database &db, Staged &staged, QString &
 
 void Restaurants::reload()
 {
+    if (loadAgain())
+        NotificationCenter::defaultCenter().post(Notifications::RestaurantsDidReload);
+}
+
+bool Restaurants::loadAgain()
+{
     {
         QMutexLocker lock(&m_mutex);
         m_ready = false;
@@ -509,8 +519,20 @@ void Restaurants::reload()
     m_adImageCache.clear();
     m_promoImageCache.clear();
     loadDatabase();
-    if (ready())
-        NotificationCenter::defaultCenter().post(Notifications::RestaurantsDidReload);
+    return ready();
+}
+
+void Restaurants::reloadInBackground(std::function<void(bool ready)> done)
+{
+    m_reloads->addOperation([this, done = std::move(done)] {
+        const bool loaded = loadAgain();
+        dispatchMain([loaded, done] {
+            if (loaded)
+                NotificationCenter::defaultCenter().post(Notifications::RestaurantsDidReload);
+            if (done)
+                done(loaded);
+        });
+    });
 }
 
 QString Restaurants::databaseVersionString() const

@@ -20,6 +20,7 @@
 #include <QString>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <tuple>
 #include <optional>
@@ -28,6 +29,7 @@
 
 class Database;
 struct SqlSandbox;
+class OperationQueue;
 class PlaceBits;
 class PlaceListing;
 class DatabaseQueue;
@@ -73,6 +75,9 @@ public:
     void loadDatabase();
     // Loads anew and posts RestaurantsDidReload when that left a catalogue ready.
     void reload();
+    // The same on a thread of its own, for a new file whose every page the load reads: the
+    // notice is posted, and `done` told whether a catalogue is ready, on the main thread.
+    void reloadInBackground(std::function<void(bool ready)> done);
     // The readable candidates of Documents, newest first.
     QList<Candidate> availableDatabases() const;
     // The files of Documents the load looked at and refused, as they still are (a file changed
@@ -270,4 +275,10 @@ private:
     std::mutex m_indexThreadMutex;
     std::thread m_indexBuild; // the index being built; reads the fields above
     std::thread m_listingRead; // the listing read and folded ahead of the first list
+    // Loads asked for by reloadInBackground(), one at a time; last, so it goes (waiting for them)
+    // before the fields they use.
+    std::unique_ptr<OperationQueue> m_reloads;
+
+    // reload() without its notice: whether a catalogue is ready after it.
+    bool loadAgain();
 };

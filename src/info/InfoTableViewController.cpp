@@ -211,13 +211,17 @@ void InfoTableViewController::patchFailed(const QString &message) { showDownload
 void InfoTableViewController::downloadDidComplete()
 {
     m_progressCell.enableCancel();
-    m_restaurants.reload();
-    if (!m_restaurants.ready()) {
-        showDownloadError(QStringLiteral("new DB passed validation but failed to load"));
-        return;
-    }
-    showInfoCell();
-    emit cellsChanged();
+    // The load reads the new file's every page: off the main thread, the screens going on.
+    m_restaurants.reloadInBackground([self = QPointer(this)](bool ready) {
+        if (!self)
+            return;
+        if (!ready) {
+            self->showDownloadError(QStringLiteral("new DB passed validation but failed to load"));
+            return;
+        }
+        self->showInfoCell();
+        emit self->cellsChanged();
+    });
 }
 
 void InfoTableViewController::downloadDidFinishWithError(const Error &error)

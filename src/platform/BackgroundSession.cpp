@@ -29,6 +29,10 @@ struct BackgroundSession::Task {
 };
 
 namespace {
+
+// What the network thread may hold for the session at a time (see start()).
+constexpr qint64 readChunkBytes = 1024 * 1024;
+
 int urlErrorCode(QNetworkReply::NetworkError error)
 {
     switch (error) {
@@ -200,6 +204,9 @@ void BackgroundSession::start()
     m_windowBytes = 0;
     m_throughput.start(m_limits.stallMilliseconds);
     m_reply = m_manager->get(request);
+    // The network thread holds at most this much for the session's thread at a time: a fast
+    // network would otherwise hand over tens of megabytes to write in one go.
+    m_reply->setReadBufferSize(readChunkBytes);
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &BackgroundSession::headersArrived);
     connect(m_reply, &QNetworkReply::readyRead, this, &BackgroundSession::readBody);
     connect(m_reply, &QNetworkReply::finished, this, &BackgroundSession::finished);

@@ -13,6 +13,7 @@
 #include "platform/UserDefaults.h"
 #include "platform/ZipArchive.h"
 #include "platform/Signatures.h"
+#include "update/CatalogueInstall.h"
 #include "update/PatchFiles.h"
 #include "update/SignedFiles.h"
 #include "update/UpdateChecker.h"
@@ -56,6 +57,9 @@ Downloader::Downloader(Restaurants &restaurants, UserDefaults &defaults, UpdateC
         toDelegate([=](DownloaderDelegate &d) { d.downloadProgress(written, expected); });
     });
     connect(m_session, &BackgroundSession::didFinishDownloading, this, &Downloader::sessionDidFinishDownloading);
+    // A catalogue being checked when an earlier run ended is not known to be good: it goes.
+    if (!m_folders.caches.isEmpty())
+        QFile::remove(heldDownloadPath());
     connect(m_session, &BackgroundSession::didComplete, this, &Downloader::sessionDidComplete);
     // A transfer of an earlier run continues once whoever made this has had the chance to listen.
     QTimer::singleShot(0, m_session, &BackgroundSession::resumePendingTask);
@@ -247,12 +251,17 @@ void Downloader::downloadSigned(Expected expected, std::function<void(const QStr
 
 QString Downloader::signatureProblem(const QString &location, QDate *signedDate) const
 {
-    const std::optional<Expected> expected = loadExpected();
+    return signatureProblemOf(loadExpected(), m_checker.trustedKeys(), location, signedDate);
+}
+
+QString Downloader::signatureProblemOf(const std::optional<Expected> &expected, const QList<QByteArray> &trustedKeys,
+                                       const QString &location, QDate *signedDate)
+{
     if (!expected || expected->signature.isEmpty())
         return QStringLiteral("no signature was fetched for it");
     const std::optional<QDate> date = expected->from ? std::optional<QDate>(expected->date) : std::nullopt;
     return SignedFiles::check(expected->signature, QFileInfo(location).size(), Signatures::sha256OfFile(location),
-                              {expected->url.fileName(), date, expected->from}, m_checker.trustedKeys(), signedDate);
+                              {expected->url.fileName(), date, expected->from}, trustedKeys, signedDate);
 }
 
 void Downloader::refuseDownload(const QString &location, const QString &what, const QString &why)
@@ -314,13 +323,9 @@ void Downloader::sessionDidFinishDownloading(const QString &location, int status
     case DownloadState::DownloadingDB:
         if (!isHttp)
             return;
-        if (success) {
-            QDate signedDate;
-            if (const QString why = signatures ? signatureProblem(location, &signedDate) : QString(); !why.isEmpty())
-                return refuseDownload(location, QStringLiteral("the catalogue"), why);
-            m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
-            installCatalogue(location, signedDate);
-        } else
+        if (success)
+            installCatalogue(location, signatures);
+        else
             failWith(3, QStringLiteral("download finished with code ") + QString::number(status));
         return;
     default:
@@ -346,57 +351,54 @@ void Downloader::sessionDidComplete(int errorCode, const QString &message)
     failLater(errorCode, message);
 }
 
-void Downloader::installCatalogue(const QString &location, const QDate &signedDate)
+void Downloader::installCatalogue(const QString &location, bool signatures)
 {
-    const VerificationResult verification = m_restaurants.verifyDatabase(location);
-    switch (verification.kind) {
-    case VerificationResult::outdated:
-        if (!m_defaults.boolForKey(DefaultKeys::devKeepOldDbs))
-            return sourceFailed(4, QStringLiteral("new DB is outdated (baffled!)"));
-        break;
-    case VerificationResult::cipherError: return sourceFailed(5, QStringLiteral("failed to decipher new DB"));
-    case VerificationResult::openError: return sourceFailed(6, QStringLiteral("couldn't open new DB"));
-    case VerificationResult::noVersionDate: return sourceFailed(8, QStringLiteral("DB file has no version information"));
-    case VerificationResult::unknownError: return sourceFailed(7, QStringLiteral("something unexpected happened"));
-    case VerificationResult::ok: break;
-    }
-    // A signed file from an older day renamed and announced as newer: its own date gives it away.
-    if (signedDate.isValid() && verification.date != signedDate)
-        return refuseDownload(location, QStringLiteral("the catalogue"), QStringLiteral("its own date is not the one signed"));
-    // Every check the load makes, the page check included: a file that would not be used never
-    // takes a catalogue's place in Documents.
-    if (const QString fault = m_restaurants.catalogueFault(location); !fault.isEmpty())
-        return sourceFailed(7, QStringLiteral("something unexpected happened: ") + fault);
-    const QString finalPath = m_restaurants.databasePathForVersionDate(verification.date);
-    const auto installed = [this] {
-        QPointer<Downloader> self(this);
-        dispatchMain([self] {
-            if (!self)
-                return;
-            if (self->m_delegate)
-                self->m_delegate->downloadDidComplete();
-            if (self->m_completionHandler)
-                self->m_completionHandler();
-        });
-    };
-    if (QFileInfo::exists(finalPath)) {
-        // The very file, installed already (by an earlier run whose end nobody heard): done.
-        if (Signatures::sha256OfFile(finalPath) == Signatures::sha256OfFile(location)) {
-            qCInfo(lcUpdate).noquote() << finalPath << "is installed already";
-            return installed();
-        }
-        return failLater(9, QStringLiteral("file ") + QFileInfo(finalPath).fileName() + QStringLiteral(" already exists"));
-    }
-    crashPoint("install-verified");
-    QString error;
-    if (!DurableFiles::moveFile(location, finalPath, false, &error)) {
-        qCWarning(lcUpdate).noquote() << error;
+    // The checks read the whole file: on the reload queue, the screens going on meanwhile. The
+    // session deletes its file once this returns, so the file is first set aside (same folder,
+    // a rename); one left there by a run that ended meanwhile goes at the next start.
+    const QString held = heldDownloadPath();
+    QFile::remove(held);
+    if (!QFile::rename(location, held))
         return failLater(8, QStringLiteral("couldn't move temporary DB to final path."));
+    std::function<QString(const QString &, QDate *)> signatureCheck;
+    if (signatures)
+        signatureCheck = [expected = loadExpected(), keys = m_checker.trustedKeys()](const QString &path, QDate *signedDate) {
+            return signatureProblemOf(expected, keys, path, signedDate);
+        };
+    const bool keepOutdated = m_defaults.boolForKey(DefaultKeys::devKeepOldDbs);
+    Restaurants *restaurants = &m_restaurants;
+    QPointer<Downloader> self(this);
+    m_reloadQueue->addOperation([self, restaurants, held, keepOutdated, signatureCheck] {
+        const CatalogueInstall install = CatalogueInstall::run(*restaurants, held, keepOutdated, signatureCheck);
+        dispatchMain([self, install] {
+            if (self)
+                self->catalogueChecked(install);
+        });
+    });
+}
+
+void Downloader::catalogueChecked(const CatalogueInstall &install)
+{
+    switch (install.outcome) {
+    case CatalogueInstall::Outcome::Refused:
+        return refuseDownload(QString(), QStringLiteral("the catalogue"), install.message);
+    case CatalogueInstall::Outcome::SourceFailed:
+        return sourceFailed(install.code, install.message);
+    case CatalogueInstall::Outcome::Failed:
+        return failWith(install.code, install.message);
+    case CatalogueInstall::Outcome::Installed:
+        break;
     }
-    markExcludedFromBackup(finalPath);
-    crashPoint("install-moved");
-    qCInfo(lcUpdate).noquote() << "Installed" << finalPath;
-    installed();
+    m_defaults.removeObjectForKey(DefaultKeys::downloadSignature);
+    if (m_delegate)
+        m_delegate->downloadDidComplete();
+    if (m_completionHandler)
+        m_completionHandler();
+}
+
+QString Downloader::heldDownloadPath() const
+{
+    return QDir(m_folders.caches).filePath(QStringLiteral("velmora-download-checking.db"));
 }
 
 void Downloader::installPatch(const QString &location)

@@ -103,13 +103,20 @@ private:
     void failWith(int code, const QString &message);
     void sessionDidFinishDownloading(const QString &location, int status, bool isHttp);
     void sessionDidComplete(int errorCode, const QString &message);
-    void installCatalogue(const QString &location, const QDate &signedDate);
+    // Checks and installs a downloaded catalogue on the reload queue; catalogueChecked() acts on
+    // what that found, on the main thread.
+    void installCatalogue(const QString &location, bool signatures);
+    void catalogueChecked(const struct CatalogueInstall &install);
+    // Where a downloaded catalogue waits while it is checked.
+    QString heldDownloadPath() const;
     // Fetches what `expected` names, with its signature first when signatures are required;
     // `unsigned_` runs instead when there is none to be had.
     void downloadSigned(Expected expected, std::function<void(const QString &why)> unsigned_);
     // Why the file at `location` isn't the one expected (its signature, size and bytes); empty
     // if it is.
     QString signatureProblem(const QString &location, QDate *signedDate = nullptr) const;
+    static QString signatureProblemOf(const std::optional<Expected> &expected, const QList<QByteArray> &trustedKeys,
+                                      const QString &location, QDate *signedDate);
     // Deletes the refused file, skips its source for the rest of the run, and asks the next.
     void refuseDownload(const QString &location, const QString &what, const QString &why);
     void installPatch(const QString &location);

@@ -1,5 +1,7 @@
 #include "walkthrough/WTDownloadViewController.h"
 
+#include <QPointer>
+
 #include "catalogue/Restaurants.h"
 #include "presentation/TransferFigures.h"
 #include "update/Downloader.h"
@@ -51,14 +53,18 @@ void WTDownloadViewController::downloadDidComplete()
     m_progress = 1;
     m_downloadLabel = qtTrId("wt_checking_database");
     emit stateChanged();
-    m_restaurants.loadDatabase();
-    if (!m_restaurants.ready()) {
-        showError(qtTrId("wt_loading_failed"));
-        return;
-    }
-    m_finished = true;
-    m_downloadLabel.clear();
-    emit stateChanged();
+    // The load reads the new file's every page: off the main thread, so the step keeps moving.
+    m_restaurants.reloadInBackground([self = QPointer(this)](bool ready) {
+        if (!self)
+            return;
+        if (!ready) {
+            self->showError(qtTrId("wt_loading_failed"));
+            return;
+        }
+        self->m_finished = true;
+        self->m_downloadLabel.clear();
+        emit self->stateChanged();
+    });
 }
 
 void WTDownloadViewController::downloadDidFinishWithError(const Error &error) { showError(error.message); }
