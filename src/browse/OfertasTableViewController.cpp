@@ -14,6 +14,7 @@
 #include "richtext/IconFont.h"
 
 #include <QDateTime>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -37,8 +38,11 @@ void OfertasTableViewController::viewDidLoad()
         setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
         reloadOffers();
     });
-    center.addObserver(this, Notifications::VelmoraReloadRestaurants, [this](const QVariant &) { reloadOffers(); });
-    center.addObserver(this, Notifications::RestaurantsDidReload, [this](const QVariant &) { reloadOffers(); });
+    // A new catalogue or province reloads every screen at one notice: the offers come a turn of
+    // the event loop later, so that the others' work and theirs don't make one long stall.
+    const auto reloadSoon = [this](const QVariant &) { QTimer::singleShot(0, this, &OfertasTableViewController::reloadOffers); };
+    center.addObserver(this, Notifications::VelmoraReloadRestaurants, reloadSoon);
+    center.addObserver(this, Notifications::RestaurantsDidReload, reloadSoon);
     setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
     reloadOffers();
 }
