@@ -4,6 +4,7 @@
 #include "toolkit/DemoGenerator.h"
 
 #include <QDir>
+#include <QProcess>
 #include <QSet>
 #include <QString>
 
@@ -40,5 +41,25 @@ struct MonthOfChanges {
         if (!writeCatalogue(next, newPath, &error))
             qFatal("%s", qPrintable(error));
         changed = int(ids.size());
+    }
+};
+
+// The toolkit's update server on 127.0.0.1 serving `root`, for the month's shelves; stopped with it.
+struct ToolkitServer {
+    QProcess process;
+    QString base; // "http://127.0.0.1:PORT/"
+
+    ToolkitServer(const QString &tool, const QString &root)
+    {
+        process.start(tool, {QStringLiteral("serve"), root});
+        if (!process.waitForReadyRead(10000))
+            qFatal("the server did not start");
+        const QByteArray banner = process.readAllStandardOutput();
+        base = QStringLiteral("http://127.0.0.1:%1/").arg(banner.mid(banner.lastIndexOf(' ') + 1).trimmed().toInt());
+    }
+    ~ToolkitServer()
+    {
+        process.kill();
+        process.waitForFinished();
     }
 };

@@ -37,12 +37,8 @@ int main(int argc, char **argv)
     const MonthOfChanges month(work.path(), places);
     const QString root = work.filePath(QStringLiteral("served"));
     QDir().mkpath(root);
-    QProcess server;
-    server.start(tool, {QStringLiteral("serve"), root});
-    if (!server.waitForReadyRead(10000))
-        qFatal("the server did not start");
-    const QByteArray banner = server.readAllStandardOutput();
-    const QString base = QStringLiteral("http://127.0.0.1:%1/").arg(banner.mid(banner.lastIndexOf(' ') + 1).trimmed().toInt());
+    const ToolkitServer server(tool, root);
+    const QString &base = server.base;
     QProcess publish;
     publish.start(tool, {QStringLiteral("publish"), month.newPath, QStringLiteral("--to"), root, QStringLiteral("--base-url"), base});
     if (!publish.waitForFinished(300000) || publish.exitCode() != 0)

@@ -103,17 +103,20 @@ int main(int argc, char **argv)
     const QString root = work.filePath(QStringLiteral("served"));
     QDir().mkpath(root + QStringLiteral("/patch"));
     QDir().mkpath(root + QStringLiteral("/full"));
-    QProcess server;
-    server.start(tool, {QStringLiteral("serve"), root});
-    if (!server.waitForReadyRead(10000))
-        qFatal("the server did not start");
-    const QByteArray banner = server.readAllStandardOutput();
-    const QString base = QStringLiteral("http://127.0.0.1:%1/").arg(banner.mid(banner.lastIndexOf(' ') + 1).trimmed().toInt());
+    const ToolkitServer server(tool, root);
+    const QString &base = server.base;
+    // Signed as a real shelf is, with a key each home trusts.
+    const QString keys = work.filePath(QStringLiteral("keys"));
+    QProcess keygen;
+    keygen.start(tool, {QStringLiteral("keygen"), QStringLiteral("-o"), keys});
+    if (!keygen.waitForFinished(60000) || keygen.exitCode() != 0)
+        qFatal("keygen failed: %s", keygen.readAllStandardError().constData());
     for (const QString &shelf : {QStringLiteral("patch"), QStringLiteral("full")}) {
         QStringList arguments = {QStringLiteral("publish"), month.newPath};
         if (shelf == QLatin1String("patch"))
             arguments << month.oldPath;
-        arguments << QStringLiteral("--to") << root + QLatin1Char('/') + shelf << QStringLiteral("--base-url") << base + shelf;
+        arguments << QStringLiteral("--to") << root + QLatin1Char('/') + shelf << QStringLiteral("--base-url") << base + shelf
+                  << QStringLiteral("--key") << keys + QStringLiteral("/velmora-signing.key");
         QProcess publish;
         publish.start(tool, arguments);
         if (!publish.waitForFinished(300000) || publish.exitCode() != 0)
@@ -129,6 +132,8 @@ int main(int argc, char **argv)
             const QString home = work.filePath(QStringLiteral("home-%1").arg(++homes));
             QDir().mkpath(home + QStringLiteral("/Documents"));
             QFile::copy(month.oldPath, home + QStringLiteral("/Documents/velmora-20261101.db"));
+            QDir().mkpath(home + QStringLiteral("/Application Support/trusted-keys"));
+            QFile::copy(keys + QStringLiteral("/velmora-signing.pub"), home + QStringLiteral("/Application Support/trusted-keys/bench.pub"));
             const Measure measure = runOnce(app, home, base + shelf + QStringLiteral("/ios/last.txt"));
             if (!measure.ok || !QFile::exists(home + QStringLiteral("/Documents/velmora-20261201.db")))
                 qFatal("the update from the %s shelf failed", qPrintable(shelf));
@@ -138,8 +143,6 @@ int main(int argc, char **argv)
             QDir(home).removeRecursively();
         }
     }
-    server.kill();
-    server.waitForFinished();
 
     std::printf("%d places, %d changed: patch archive %.1f kB against a catalogue of %.1f MB (%.2f%%)\n", places, month.changed,
                 patchKb, wholeMb, 100.0 * patchKb / 1e3 / wholeMb);
