@@ -43,7 +43,6 @@ public:
         for (size_t w = 0; w < m_words.size(); ++w)
             m_words[w] |= words[w];
     }
-    size_t wordCount() const { return m_words.size(); }
 
     size_t count() const
     {

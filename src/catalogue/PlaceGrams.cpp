@@ -1,5 +1,7 @@
 #include "catalogue/PlaceGrams.h"
 
+#include "catalogue/SearchTerms.h"
+
 #include <algorithm>
 
 namespace {
@@ -9,11 +11,6 @@ enum Where : quint64 { InName = 0, AtAddressWordStart = 1 };
 quint64 gram(Where where, char16_t first, char16_t second = 0, char16_t third = 0)
 {
     return (quint64(where) << 48) | (quint64(first) << 32) | (quint64(second) << 16) | third;
-}
-
-bool isTokenCharacter(QChar c)
-{
-    return c.isLetterOrNumber();
 }
 
 // Every gram of one place, each once, into `grams` (cleared first).

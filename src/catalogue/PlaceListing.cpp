@@ -19,11 +19,6 @@ QString sectionLetter(const QString &searchName)
     return searchName.left(length).toUpper();
 }
 
-bool isTokenCharacter(QChar c)
-{
-    return c.isLetterOrNumber();
-}
-
 // The words of folded text, as the tokenizer splits it: runs of letters and digits.
 QStringList tokens(const QString &folded)
 {
@@ -343,32 +338,25 @@ void PlaceListing::fold() const
         // Only the strings made here are read from now on.
         std::vector<QString>().swap(m_readNames);
         std::vector<QString>().swap(m_addresses);
-        const auto span = [](const QString &text, const std::vector<qsizetype> &offsets, size_t i) {
-            return QStringView(text).mid(offsets[i], offsets[i + 1] - offsets[i]);
-        };
         m_grams = PlaceGrams(
-            m_places.size(), [&](size_t i) { return span(m_foldedNames, m_foldedNameOffsets, i); },
-            [&](size_t i) { return span(m_foldedAddresses, m_foldedAddressOffsets, i); });
+            m_places.size(), [this](size_t i) { return foldedName(i); }, [this](size_t i) { return foldedAddress(i); });
     });
 }
 
-bool PlaceListing::matches(size_t position, const QStringList &words) const
+QStringView PlaceListing::foldedName(size_t position) const
 {
-    return std::all_of(words.begin(), words.end(), [&](const QString &word) {
-        const auto span = [position](const QString &text, const std::vector<qsizetype> &offsets) {
-            return QStringView(text).mid(offsets[position], offsets[position + 1] - offsets[position]);
-        };
-        return span(m_foldedNames, m_foldedNameOffsets).contains(word)
-            || startsAWord(span(m_foldedAddresses, m_foldedAddressOffsets), word);
-    });
+    return QStringView(m_foldedNames).mid(m_foldedNameOffsets[position], m_foldedNameOffsets[position + 1] - m_foldedNameOffsets[position]);
+}
+
+QStringView PlaceListing::foldedAddress(size_t position) const
+{
+    return QStringView(m_foldedAddresses)
+        .mid(m_foldedAddressOffsets[position], m_foldedAddressOffsets[position + 1] - m_foldedAddressOffsets[position]);
 }
 
 void PlaceListing::keepMatching(PlaceBits &places, const QStringList &words) const
 {
     fold();
-    const auto span = [](const QString &text, const std::vector<qsizetype> &offsets, size_t position) {
-        return QStringView(text).mid(offsets[position], offsets[position + 1] - offsets[position]);
-    };
     for (const QString &word : words) {
         if (PlaceGrams::answersOutright(word)) {
             places &= m_grams.candidates(word);
@@ -380,7 +368,7 @@ void PlaceListing::keepMatching(PlaceBits &places, const QStringList &words) con
         inName &= places;
         PlaceBits found(places.size());
         inName.forEach([&](size_t position) {
-            if (span(m_foldedNames, m_foldedNameOffsets, position).contains(word))
+            if (foldedName(position).contains(word))
                 found.set(position);
         });
         PlaceBits inAddress = m_grams.atAddressWordStart(word);
@@ -389,7 +377,7 @@ void PlaceListing::keepMatching(PlaceBits &places, const QStringList &words) con
             found |= inAddress;
         else
             inAddress.forEach([&](size_t position) {
-                if (!found.test(position) && startsAWord(span(m_foldedAddresses, m_foldedAddressOffsets, position), word))
+                if (!found.test(position) && startsAWord(foldedAddress(position), word))
                     found.set(position);
             });
         places = std::move(found);

@@ -55,7 +55,9 @@ private:
         int letter = 0;  // index into m_letters
     };
     int positionOf(int id) const;
-    bool matches(size_t position, const QStringList &words) const;
+    // A place's folded name and address, once folded.
+    QStringView foldedName(size_t position) const;
+    QStringView foldedAddress(size_t position) const;
     // Leaves in `places` only those matching `words`.
     void keepMatching(PlaceBits &places, const QStringList &words) const;
     QList<SortedEntry> entriesOf(const PlaceBits &places, const QString &text) const;

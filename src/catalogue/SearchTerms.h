@@ -16,6 +16,12 @@ constexpr qsizetype maxIndexedNameLength = 1000;
 constexpr qsizetype maxIndexedWordLength = 64;
 constexpr qsizetype maxIndexedAddressLength = 1000;
 
+// What the index's tokenizer keeps in a word: letters and digits. Anything else ends a word.
+inline bool isTokenCharacter(QChar c)
+{
+    return c.isLetterOrNumber();
+}
+
 // `text` split at whitespace and newlines, empty pieces dropped. No regular expression: the
 // index build and the listing run on threads that may outlive the process's static objects.
 QStringList wordsOf(QStringView text);
