@@ -9,12 +9,14 @@
 #include "platform/NotificationCenter.h"
 #include "platform/Notifications.h"
 #include "platform/UserDefaults.h"
+#include "platform/Dispatch.h"
+#include "presentation/Globals.h"
+#include "platform/OperationQueue.h"
 #include "presentation/BarButtonItem.h"
 #include "presentation/NavigationController.h"
 #include "richtext/IconFont.h"
 
-#include <QDateTime>
-#include <QTimer>
+#include <QPointer>
 
 #include <algorithm>
 #include <cmath>
@@ -29,6 +31,13 @@ OfertasTableViewController::OfertasTableViewController(Restaurants &restaurants,
 {
 }
 
+OfertasTableViewController::~OfertasTableViewController()
+{
+    // Offers may be reading for this screen on the background queue; the catalogue they read
+    // lives as long as this screen.
+    Globals::backgroundQueue().waitUntilAllOperationsAreFinished();
+}
+
 void OfertasTableViewController::viewDidLoad()
 {
     if (restaurantMode())
@@ -38,38 +47,54 @@ void OfertasTableViewController::viewDidLoad()
         setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
         reloadOffers();
     });
-    // A new catalogue or province reloads every screen at one notice: the offers come a turn of
-    // the event loop later, so that the others' work and theirs don't make one long stall.
-    const auto reloadSoon = [this](const QVariant &) { QTimer::singleShot(0, this, &OfertasTableViewController::reloadOffers); };
-    center.addObserver(this, Notifications::VelmoraReloadRestaurants, reloadSoon);
-    center.addObserver(this, Notifications::RestaurantsDidReload, reloadSoon);
+    const auto reloadInBackground = [this](const QVariant &) { reloadOffersInBackground(); };
+    center.addObserver(this, Notifications::VelmoraReloadRestaurants, reloadInBackground);
+    center.addObserver(this, Notifications::RestaurantsDidReload, reloadInBackground);
     setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
     reloadOffers();
 }
 
-void OfertasTableViewController::loadOffers()
+int OfertasTableViewController::province() const { return UserDefaults::standard().integerForKey(DefaultKeys::province); }
+
+OfertasTableViewController::Sections OfertasTableViewController::validSections(QList<Oferta> offers, const QDateTime &now)
 {
-    const int province = UserDefaults::standard().integerForKey(DefaultKeys::province);
-    QList<Oferta> list = m_restaurants.offers(province, rid);
-    std::stable_sort(list.begin(), list.end(), [](const Oferta &a, const Oferta &b) { return a.rid < b.rid; });
-    m_ofertas.clear();
-    // Shown from the first instant of valid_from to the instant of valid_to, judged at each load.
-    const QDateTime now = QDateTime::currentDateTime();
+    std::stable_sort(offers.begin(), offers.end(), [](const Oferta &a, const Oferta &b) { return a.rid < b.rid; });
+    Sections sections;
     QList<Oferta> group;
     std::optional<int> previous;
-    for (const Oferta &offer : list) {
+    for (const Oferta &offer : offers) {
+        // Shown from the first instant of valid_from to the instant of valid_to.
         if ((offer.valid_from.isValid() && offer.valid_from > now) || (offer.valid_to.isValid() && offer.valid_to < now))
             continue;
         // Groups change on the place's id, so two places of the same name stay two sections.
         if (previous && *previous != offer.rid && !group.isEmpty()) {
-            m_ofertas.append({group.last().rest_name, group});
+            sections.append({group.last().rest_name, group});
             group.clear();
         }
         group.append(offer);
         previous = offer.rid;
     }
     if (!group.isEmpty())
-        m_ofertas.append({group.last().rest_name, group});
+        sections.append({group.last().rest_name, group});
+    return sections;
+}
+
+void OfertasTableViewController::reloadOffers()
+{
+    ++m_offersRequested;
+    showOffers(validSections(m_restaurants.offers(province(), rid), QDateTime::currentDateTime()));
+}
+
+void OfertasTableViewController::reloadOffersInBackground()
+{
+    const quint64 request = ++m_offersRequested;
+    Globals::backgroundQueue().addOperation([self = QPointer(this), restaurants = &m_restaurants, province = province(), rid = rid, request] {
+        Sections sections = validSections(restaurants->offers(province, rid), QDateTime::currentDateTime());
+        dispatchMain([self, sections = std::move(sections), request] {
+            if (self && request == self->m_offersRequested)
+                self->showOffers(sections);
+        });
+    });
 }
 
 std::pair<QString, QString> OfertasTableViewController::priceParts(double price)
@@ -81,9 +106,9 @@ std::pair<QString, QString> OfertasTableViewController::priceParts(double price)
     return {QString::number(whole) + QLatin1Char('.'), QStringLiteral("%1").arg(cents, 2, 10, QLatin1Char('0'))};
 }
 
-void OfertasTableViewController::reloadOffers()
+void OfertasTableViewController::showOffers(Sections sections)
 {
-    loadOffers();
+    m_ofertas = std::move(sections);
     m_rows.clear();
     if (restaurantMode()) {
         // The place list's own card, cuisines line and all.

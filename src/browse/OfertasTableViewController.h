@@ -4,6 +4,7 @@
 #include "presentation/ViewController.h"
 #include "richtext/RichString.h"
 
+#include <QDateTime>
 #include <QVariantList>
 
 class Restaurants;
@@ -24,6 +25,7 @@ class OfertasTableViewController : public ViewController
 
 public:
     explicit OfertasTableViewController(Restaurants &restaurants, QObject *parent = nullptr);
+    ~OfertasTableViewController() override;
 
     QUrl viewUrl() const override { return QUrl(QStringLiteral("qrc:/Velmora/browse/OffersView.qml")); }
 
@@ -33,10 +35,12 @@ public:
     bool restaurantMode() const { return rid != -1; }
 
     // Sections of (title, offers), in the order of the places' ids.
-    const QList<std::pair<QString, QList<Oferta>>> &ofertas() const { return m_ofertas; }
+    using Sections = QList<std::pair<QString, QList<Oferta>>>;
+    const Sections &ofertas() const { return m_ofertas; }
     // Flat rows for the view: {"kind": "card" | "header" | "offer", ...}.
     QVariantList rows() const { return m_rows; }
-    void loadOffers();
+    // The offers valid at `now`, one section a place.
+    static Sections validSections(QList<Oferta> offers, const QDateTime &now);
     Q_INVOKABLE void didSelectRow(int row);
     Q_INVOKABLE void close();
 
@@ -51,10 +55,16 @@ protected:
     void viewDidLoad() override;
 
 private:
+    int province() const;
     void reloadOffers();
+    // For a new catalogue or province while the app is in use: the offers are read off the
+    // main thread, and the rows shown until then stay.
+    void reloadOffersInBackground();
+    void showOffers(Sections sections);
 
     Restaurants &m_restaurants;
     RichString R;
-    QList<std::pair<QString, QList<Oferta>>> m_ofertas;
+    Sections m_ofertas;
     QVariantList m_rows;
+    quint64 m_offersRequested = 0;
 };

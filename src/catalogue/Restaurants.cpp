@@ -78,6 +78,9 @@ struct Restaurants::Staged {
     Geography geography;
     PlaceCuisines cuisines;
     std::optional<QDate> version;
+    QString versionString;
+    QString subscriptionNumber;
+    std::optional<QDate> expiry;
 };
 
 Restaurants::Environment Restaurants::standardEnvironment()
@@ -348,6 +351,9 @@ void Restaurants::loadDatabase()
         } else if (!m_dbq) {
             m_databasePath.clear();
             m_databaseVersionDate.reset();
+            m_subscriptionNumber.clear();
+            m_versionString.clear();
+            m_expiry.reset();
         }
         return;
     }
@@ -384,6 +390,9 @@ void Restaurants::commitStaged(const OpenedCandidate &candidate, Staged staged)
     m_dbq = std::move(staged.queue);
     m_databasePath = candidate.path;
     m_databaseVersionDate = staged.version;
+    m_subscriptionNumber = staged.subscriptionNumber;
+    m_versionString = staged.versionString;
+    m_expiry = staged.expiry;
     ++m_generation;
 }
 
@@ -498,9 +507,33 @@ bool Restaurants::readCuisinesAndVersion(Database &db, Staged &staged, QString &
         staged.version = CatalogueDates::parseCompact(row.stringForColumn(0));
         return false; // the first row is the version
     });
-    if (!versionRead)
+    if (!versionRead) {
         reason = QStringLiteral("reading the version date failed: ") + db.lastErrorMessage();
-    return versionRead;
+        return false;
+    }
+    // Read with the rest so that screens asking on every reload never wait on the database.
+    QString label;
+    QString date;
+    const bool extrasRead = db.forEachRow(
+        QStringLiteral("SELECT key,val FROM extras WHERE key IN ('db_version','version_date','phone_number','expire_date')"), {}, [&](const ResultSet &row) {
+            const QString key = row.stringForColumn(0);
+            const QString value = row.stringForColumn(1);
+            if (key == QLatin1String("db_version"))
+                label = value;
+            else if (key == QLatin1String("version_date"))
+                date = value;
+            else if (key == QLatin1String("phone_number"))
+                staged.subscriptionNumber = value;
+            else if (const auto expiry = CatalogueDates::parseCompact(value); expiry && !(staged.expiry && *staged.expiry > *expiry))
+                staged.expiry = expiry;
+            return true;
+        });
+    if (!extrasRead) {
+        reason = QStringLiteral("reading the catalogue's extras failed: ") + db.lastErrorMessage();
+        return false;
+    }
+    staged.versionString = label + QLatin1Char('.') + date;
+    return true;
 }
 
 void Restaurants::reload()
@@ -527,34 +560,24 @@ void Restaurants::reloadInBackground(std::function<void(bool ready)> done)
     m_reloads->addOperation([this, done = std::move(done)] {
         const bool loaded = loadAgain();
         dispatchMain([loaded, done] {
-            if (loaded)
-                NotificationCenter::defaultCenter().post(Notifications::RestaurantsDidReload);
-            if (done)
-                done(loaded);
+            if (!loaded) {
+                if (done)
+                    done(false);
+                return;
+            }
+            // Every screen refreshes on this news while the app is in use: one screen a turn.
+            NotificationCenter::defaultCenter().postOverTurns(Notifications::RestaurantsDidReload, QVariant(), [done] {
+                if (done)
+                    done(true);
+            });
         });
     });
 }
 
 QString Restaurants::databaseVersionString() const
 {
-    const auto queue = dbq();
-    if (!queue)
-        return QString();
-    QString label;
-    QString date;
-    bool ok = false;
-    queue->inDatabase([&](Database &db) {
-        ResultSet rows = db.executeQuery(
-            QStringLiteral("SELECT key,val FROM extras WHERE key = 'db_version' OR key = 'version_date'"));
-        if (!rows.isValid())
-            return;
-        while (rows.next()) {
-            const QString key = rows.stringForColumn(0);
-            (key == QLatin1String("db_version") ? label : date) = rows.stringForColumn(1);
-        }
-        ok = !rows.failed();
-    });
-    return ok ? label + QLatin1Char('.') + date : QString();
+    QMutexLocker lock(&m_mutex);
+    return m_versionString;
 }
 
 void Restaurants::deleteDatabaseFile()
@@ -566,19 +589,9 @@ void Restaurants::deleteDatabaseFile()
 
 bool Restaurants::isExpired() const
 {
-    const auto queue = dbq();
-    if (!queue)
-        return true;
     // The expiry date counts as expired from its first moment.
-    const QDate today = QDate::currentDate();
-    bool expired = true;
-    queue->inDatabase([&](Database &db) {
-        ResultSet rows = db.executeQuery(QStringLiteral("SELECT val FROM extras WHERE key = 'expire_date'"));
-        while (rows.next())
-            if (const auto date = CatalogueDates::parseCompact(rows.stringForColumn(0)); date && today < *date)
-                expired = false;
-    });
-    return expired;
+    QMutexLocker lock(&m_mutex);
+    return !m_dbq || !m_expiry || !(QDate::currentDate() < *m_expiry);
 }
 
 VerificationResult Restaurants::verifyDatabase(const QString &path) const

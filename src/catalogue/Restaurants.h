@@ -83,6 +83,7 @@ public:
     // The files of Documents the load looked at and refused, as they still are (a file changed
     // since is looked at again and leaves this list), by name.
     QStringList refusedFiles() const;
+    // "db_version.version_date" of the catalogue in use, as read when it was loaded; empty with none.
     QString databaseVersionString() const;
     void deleteDatabaseFile();
     bool isExpired() const;
@@ -134,6 +135,7 @@ public:
     std::optional<Ad> randomAd() const;
     QByteArray adImage(int imageId);
     std::optional<Menu> menu(int id) const;
+    // The number subscriptions are sent to, as read when the catalogue was loaded.
     QString subscriptionPhoneNumber() const;
 
     // The picture caches, oldest first, for checks of their order.
@@ -239,6 +241,9 @@ private:
     std::shared_ptr<const PlaceCuisines> m_rest_cuisines = std::make_shared<PlaceCuisines>();
     QString m_databasePath;
     std::optional<QDate> m_databaseVersionDate;
+    QString m_subscriptionNumber;
+    QString m_versionString; // "db_version.version_date"
+    std::optional<QDate> m_expiry;
     bool m_ready = false;
     QString m_lang;
     quint64 m_generation = 0; // counts the catalogues taken into use

@@ -494,18 +494,6 @@ std::optional<Menu> Restaurants::menu(int id) const
 
 QString Restaurants::subscriptionPhoneNumber() const
 {
-    QString number;
-    const auto queue = dbq();
-    if (!queue)
-        return number;
-    queue->inDatabase([&](Database &db) {
-        if (!db.forEachRow(QStringLiteral("SELECT val FROM extras WHERE key = 'phone_number'"), {}, [&](const ResultSet &row) {
-                number = textOf(row, QStringLiteral("val"));
-                return false;
-            })) {
-            number.clear();
-            reportDamage(QStringLiteral("reading the subscription number"), db);
-        }
-    });
-    return number;
+    QMutexLocker lock(&m_mutex);
+    return m_subscriptionNumber;
 }

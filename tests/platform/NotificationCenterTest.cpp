@@ -1,5 +1,8 @@
 #include "platform/NotificationCenter.h"
 
+#include <QTest>
+#include <QTimer>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -45,4 +48,38 @@ TEST(NotificationCenter, PassesTheObjectAndRemovesByName)
     center.post(QStringLiteral("B"));
     EXPECT_EQ(received.toInt(), 42);
     EXPECT_EQ(other, 0);
+}
+
+// Catches: news spread over turns running all its observers at once (one long stall, with
+// whatever else was due, a frame or a timer, waiting behind it), calling an observer whose
+// owner went between two turns, or announcing the end before the last observer ran.
+TEST(NotificationCenter, NewsOverTurnsLetsOtherWorkRunBetweenObservers)
+{
+    NotificationCenter center;
+    QStringList order;
+    QObject first;
+    auto second = std::make_unique<QObject>();
+    QObject third;
+    center.addObserver(&first, QStringLiteral("RestaurantsDidReload"), [&](const QVariant &object) {
+        order << QStringLiteral("first %1").arg(object.toInt());
+        // Due from now on, like a frame the first screen's change asked for.
+        QTimer::singleShot(0, [&] { order << QStringLiteral("other work"); });
+        second.reset();
+    });
+    center.addObserver(second.get(), QStringLiteral("RestaurantsDidReload"), [&](const QVariant &) { order << QStringLiteral("second"); });
+    center.addObserver(&third, QStringLiteral("RestaurantsDidReload"), [&](const QVariant &object) {
+        order << QStringLiteral("third %1").arg(object.toInt());
+    });
+    QObject::connect(&center, &NotificationCenter::posted, [&](const QString &name) { order << QStringLiteral("posted ") + name; });
+
+    bool delivered = false;
+    center.postOverTurns(QStringLiteral("RestaurantsDidReload"), 7, [&] {
+        order << QStringLiteral("delivered");
+        delivered = true;
+    });
+    EXPECT_EQ(order, QStringList{QStringLiteral("first 7")});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return delivered; }, 2000));
+    QTest::qWait(10);
+    EXPECT_EQ(order, (QStringList{QStringLiteral("first 7"), QStringLiteral("other work"), QStringLiteral("third 7"),
+                                  QStringLiteral("delivered"), QStringLiteral("posted RestaurantsDidReload")}));
 }
