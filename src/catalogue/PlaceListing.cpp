@@ -85,15 +85,21 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
                                         QString name = row.stringForColumn(2);
                                         place.named = !name.isNull();
                                         listing->m_places.push_back(place);
-                                        listing->m_readNames.push_back(std::move(name));
+                                        // End to end rather than a string a place: a string's
+                                        // own overhead would double the text's memory.
+                                        listing->m_nameOffsets.push_back(listing->m_names.size());
+                                        listing->m_names += name;
                                         sortNames.push_back(row.stringForColumn(1));
-                                        listing->m_addresses.push_back(row.stringForColumn(3));
+                                        listing->m_readAddressOffsets.push_back(listing->m_readAddresses.size());
+                                        listing->m_readAddresses += row.stringForColumn(3);
                                         return true;
                                     });
     if (!read) {
         error = db.lastErrorMessage();
         return nullptr;
     }
+    listing->m_nameOffsets.push_back(listing->m_names.size());
+    listing->m_readAddressOffsets.push_back(listing->m_readAddresses.size());
     // Ids are a catalogue's row ids: nearly always dense enough to look up in a vector.
     int largest = 0;
     for (const Place &place : listing->m_places)
@@ -257,9 +263,6 @@ QList<SortedEntry> PlaceListing::entriesOf(const PlaceBits &places, const QStrin
             }
             distances[size_t(place.rank)] = quint16(distance);
         });
-        const auto nameAt = [&](size_t position) {
-            return QStringView(m_names).mid(m_nameOffsets[position], m_nameOffsets[position + 1] - m_nameOffsets[position]);
-        };
         const auto store = [&](size_t position, int distance) {
             distances[size_t(m_places[position].rank)] = quint16(std::min<quint64>(farthest, quint64(distance)));
         };
@@ -317,11 +320,9 @@ void PlaceListing::fold() const
     std::call_once(m_folded, [this] {
         m_foldedNameOffsets.reserve(m_places.size() + 1);
         m_foldedAddressOffsets.reserve(m_places.size() + 1);
-        m_nameOffsets.reserve(m_places.size() + 1);
+        m_loweredNames.reserve(m_names.size());
         for (size_t i = 0; i < m_places.size(); ++i) {
-            m_nameOffsets.push_back(m_names.size());
-            const QString &name = m_readNames[i];
-            m_names += name;
+            const QString name = nameAt(i).toString();
             // Lower case may change a name's length (rarely); both copies keep the same offsets.
             QString lowered = name.toLower();
             lowered.resize(name.size(), QLatin1Char(' '));
@@ -329,18 +330,24 @@ void PlaceListing::fold() const
             // The same limits as the index's, so both find the same places.
             m_foldedNameOffsets.push_back(m_foldedNames.size());
             m_foldedNames += foldForSearch(indexedNameWords(name).join(QLatin1Char(' ')));
+            const qsizetype addressFrom = m_readAddressOffsets[i];
+            const QStringView address = QStringView(m_readAddresses).mid(addressFrom, m_readAddressOffsets[i + 1] - addressFrom);
             m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
-            m_foldedAddresses += foldForSearch(m_addresses[i].left(maxIndexedAddressLength));
+            m_foldedAddresses += foldForSearch(address.left(maxIndexedAddressLength).toString());
         }
-        m_nameOffsets.push_back(m_names.size());
         m_foldedNameOffsets.push_back(m_foldedNames.size());
         m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
         // Only the strings made here are read from now on.
-        std::vector<QString>().swap(m_readNames);
-        std::vector<QString>().swap(m_addresses);
+        QString().swap(m_readAddresses);
+        std::vector<qsizetype>().swap(m_readAddressOffsets);
         m_grams = PlaceGrams(
             m_places.size(), [this](size_t i) { return foldedName(i); }, [this](size_t i) { return foldedAddress(i); });
     });
+}
+
+QStringView PlaceListing::nameAt(size_t position) const
+{
+    return QStringView(m_names).mid(m_nameOffsets[position], m_nameOffsets[position + 1] - m_nameOffsets[position]);
 }
 
 QStringView PlaceListing::foldedName(size_t position) const

@@ -58,6 +58,7 @@ private:
     // A place's folded name and address, once folded.
     QStringView foldedName(size_t position) const;
     QStringView foldedAddress(size_t position) const;
+    QStringView nameAt(size_t position) const;
     // Leaves in `places` only those matching `words`.
     void keepMatching(PlaceBits &places, const QStringList &words) const;
     QList<SortedEntry> entriesOf(const PlaceBits &places, const QString &text) const;
@@ -67,15 +68,17 @@ private:
     QHash<int, int> m_positions;  // the same when ids are too sparse for a vector
     std::vector<std::pair<int, int>> m_byRank; // rank -> (place id, letter)
     QStringList m_letters;        // section letters, ascending
-    mutable std::vector<QString> m_readNames; // as read; let go once folded
-    mutable std::vector<QString> m_addresses; // as read; let go once folded
+    // Names as read, end to end in read order: a listing walks them in that order, so they
+    // stream through the cache. Entry i spans [offsets[i], offsets[i + 1]).
+    QString m_names;
+    std::vector<qsizetype> m_nameOffsets;
+    // Addresses as read, the same way; let go once folded.
+    mutable QString m_readAddresses;
+    mutable std::vector<qsizetype> m_readAddressOffsets;
 
     mutable std::once_flag m_folded;
-    // Names as they are and lower-cased, end to end in read order: a listing walks them in that
-    // order, so they stream through the cache. Entry i spans [offsets[i], offsets[i + 1]).
-    mutable QString m_names;
+    // The names lower-cased, at the same offsets.
     mutable QString m_loweredNames;
-    mutable std::vector<qsizetype> m_nameOffsets;
     // Folded names and addresses for matching, kept end to end the same way.
     mutable QString m_foldedNames;
     mutable QString m_foldedAddresses;
