@@ -265,7 +265,7 @@ Restaurants::StageOutcome Restaurants::stage(OpenedCandidate &candidate, bool de
         return StageOutcome::EmptyPrices;
     if (deepCheck && !(reason = CatalogueChecks::integrityFault(*probe)).isEmpty())
         return StageOutcome::Refused;
-    if (!readGeography(*probe, staged.geography, reason) || !readCuisinesAndVersion(*probe, staged, reason))
+    if (!readGeography(*probe, staged.geography, reason) || !readCuisinesAndExtras(*probe, staged, reason))
         return StageOutcome::Refused;
     if (!(reason = CatalogueChecks::readsFault(*probe)).isEmpty())
         return StageOutcome::Refused;
@@ -486,7 +486,7 @@ void Restaurants::commitGeography(const Geography &geography)
     flag(geography.promoPlaces, &Province::has_promos);
 }
 
-bool Restaurants::readCuisinesAndVersion(Database &db, Staged &staged, QString &reason) const
+bool Restaurants::readCuisinesAndExtras(Database &db, Staged &staged, QString &reason) const
 {
     int placeColumn = -1;
     int cuisineColumn = -1;
@@ -503,36 +503,34 @@ bool Restaurants::readCuisinesAndVersion(Database &db, Staged &staged, QString &
         reason = QStringLiteral("reading restaurants_cuisines failed: ") + db.lastErrorMessage();
         return false;
     }
-    const bool versionRead = db.forEachRow(versionDateQuery, {}, [&](const ResultSet &row) {
-        staged.version = CatalogueDates::parseCompact(row.stringForColumn(0));
-        return false; // the first row is the version
-    });
-    if (!versionRead) {
-        reason = QStringLiteral("reading the version date failed: ") + db.lastErrorMessage();
-        return false;
-    }
-    // Read with the rest so that screens asking on every reload never wait on the database.
+    // What screens ask on every reload is read here, with the rest, so they never wait on the
+    // database behind the background reads.
     QString label;
-    QString date;
+    std::optional<QString> date;
     const bool extrasRead = db.forEachRow(
-        QStringLiteral("SELECT key,val FROM extras WHERE key IN ('db_version','version_date','phone_number','expire_date')"), {}, [&](const ResultSet &row) {
+        QStringLiteral("SELECT key,val FROM extras WHERE key IN ('db_version','version_date','phone_number','expire_date')"), {},
+        [&](const ResultSet &row) {
             const QString key = row.stringForColumn(0);
             const QString value = row.stringForColumn(1);
-            if (key == QLatin1String("db_version"))
+            if (key == QLatin1String("version_date")) {
+                if (!date) // the first is the version
+                    date = value;
+            } else if (key == QLatin1String("db_version")) {
                 label = value;
-            else if (key == QLatin1String("version_date"))
-                date = value;
-            else if (key == QLatin1String("phone_number"))
+            } else if (key == QLatin1String("phone_number")) {
                 staged.subscriptionNumber = value;
-            else if (const auto expiry = CatalogueDates::parseCompact(value); expiry && !(staged.expiry && *staged.expiry > *expiry))
-                staged.expiry = expiry;
+            } else if (const auto expiry = CatalogueDates::parseCompact(value); expiry && !(staged.expiry && *staged.expiry > *expiry)) {
+                staged.expiry = expiry; // the latest of them
+            }
             return true;
         });
     if (!extrasRead) {
         reason = QStringLiteral("reading the catalogue's extras failed: ") + db.lastErrorMessage();
         return false;
     }
-    staged.versionString = label + QLatin1Char('.') + date;
+    if (date)
+        staged.version = CatalogueDates::parseCompact(*date);
+    staged.versionString = label + QLatin1Char('.') + date.value_or(QString());
     return true;
 }
 

@@ -216,7 +216,7 @@ private:
     StageOutcome stage(OpenedCandidate &candidate, bool deepCheck, Staged &staged, QString &reason) const;
     void commitStaged(const OpenedCandidate &candidate, Staged staged);
     bool readGeography(Database &db, Geography &geography, QString &reason) const;
-    bool readCuisinesAndVersion(Database &db, Staged &staged, QString &reason) const;
+    bool readCuisinesAndExtras(Database &db, Staged &staged, QString &reason) const;
     void commitGeography(const Geography &geography);
     bool buildSearchIndex(DatabaseQueue &index, const QString &cataloguePath, QDate version);
     // The places' sort names, names and addresses of the catalogue in use, read on first need.
