@@ -19,6 +19,12 @@ QString sectionLetter(const QString &searchName)
     return searchName.left(length).toUpper();
 }
 
+// Entry i of texts kept end to end: [offsets[i], offsets[i + 1]).
+QStringView spanOf(const QString &text, const std::vector<qsizetype> &offsets, size_t i)
+{
+    return QStringView(text).mid(offsets[i], offsets[i + 1] - offsets[i]);
+}
+
 // The words of folded text, as the tokenizer splits it: runs of letters and digits.
 QStringList tokens(const QString &folded)
 {
@@ -330,8 +336,7 @@ void PlaceListing::fold() const
             // The same limits as the index's, so both find the same places.
             m_foldedNameOffsets.push_back(m_foldedNames.size());
             m_foldedNames += foldForSearch(indexedNameWords(name).join(QLatin1Char(' ')));
-            const qsizetype addressFrom = m_readAddressOffsets[i];
-            const QStringView address = QStringView(m_readAddresses).mid(addressFrom, m_readAddressOffsets[i + 1] - addressFrom);
+            const QStringView address = spanOf(m_readAddresses, m_readAddressOffsets, i);
             m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
             m_foldedAddresses += foldForSearch(address.left(maxIndexedAddressLength).toString());
         }
@@ -345,20 +350,13 @@ void PlaceListing::fold() const
     });
 }
 
-QStringView PlaceListing::nameAt(size_t position) const
-{
-    return QStringView(m_names).mid(m_nameOffsets[position], m_nameOffsets[position + 1] - m_nameOffsets[position]);
-}
+QStringView PlaceListing::nameAt(size_t position) const { return spanOf(m_names, m_nameOffsets, position); }
 
-QStringView PlaceListing::foldedName(size_t position) const
-{
-    return QStringView(m_foldedNames).mid(m_foldedNameOffsets[position], m_foldedNameOffsets[position + 1] - m_foldedNameOffsets[position]);
-}
+QStringView PlaceListing::foldedName(size_t position) const { return spanOf(m_foldedNames, m_foldedNameOffsets, position); }
 
 QStringView PlaceListing::foldedAddress(size_t position) const
 {
-    return QStringView(m_foldedAddresses)
-        .mid(m_foldedAddressOffsets[position], m_foldedAddressOffsets[position + 1] - m_foldedAddressOffsets[position]);
+    return spanOf(m_foldedAddresses, m_foldedAddressOffsets, position);
 }
 
 void PlaceListing::keepMatching(PlaceBits &places, const QStringList &words) const
