@@ -38,11 +38,12 @@ Rectangle {
     Component.onCompleted: grabMapView()
 
     // The pins a reader is offered, where they stand: a press opens a pin's callout as a tap does.
+    // In the holder itself, so the pins it makes are born there as the Repeater's siblings.
     Repeater {
+        parent: holder
         model: root.controller && root.controller.mapView ? root.controller.mapView.readablePins : []
         Item {
             required property var modelData
-            parent: holder
             objectName: "readablePin-" + modelData.identifier
             x: modelData.x - 11
             y: modelData.y - 30
