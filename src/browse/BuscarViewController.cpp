@@ -19,6 +19,8 @@
 #include "presentation/SideMenuPresenter.h"
 #include "presentation/Storyboard.h"
 #include "richtext/IconFont.h"
+
+#include <QTimer>
 #include "richtext/RichTextLayout.h"
 
 namespace {
@@ -62,6 +64,10 @@ void BuscarViewController::viewDidLoad()
     m_lugaresVC = new LugaresTableViewController(m_restaurants, this);
     // Made here, on this screen's catalogue, like the place list.
     m_ofertasVC = new OfertasTableViewController(m_restaurants, this);
+    // The tabs behind the list read once the list shows: at start the two cores go to the
+    // list's rows and the window.
+    m_descubreVC->readOnLoad = false;
+    m_ofertasVC->readOnLoad = false;
     for (ViewController *child : {static_cast<ViewController *>(m_descubreVC), static_cast<ViewController *>(m_lugaresVC),
                                   static_cast<ViewController *>(m_ofertasVC)})
         if (child)
@@ -192,6 +198,16 @@ void BuscarViewController::listShown(bool empty)
     // Asks for fewer filters only when filters are set: an empty text search alone stays blank.
     if (!m_lugaresVC)
         return;
+    if (!m_tabsRead) {
+        // A moment later, so the list's first frames have the cores.
+        m_tabsRead = true;
+        QTimer::singleShot(300, this, [this] {
+            if (m_descubreVC)
+                m_descubreVC->reloadInBackground();
+            if (m_ofertasVC)
+                m_ofertasVC->reloadOffersInBackground();
+        });
+    }
     if (empty && !m_lastFilters.isEmpty())
         m_lugaresVC->showFewerFilters();
     else

@@ -15,6 +15,8 @@
 #include <optional>
 
 class BarButtonItem;
+class DescubreTableViewController;
+class OfertasTableViewController;
 #include "browse/LugaresTableViewController.h"
 class OperationQueue;
 class Restaurants;
@@ -133,9 +135,9 @@ private:
 
     Restaurants &m_restaurants;
     RichString R;
-    QPointer<ViewController> m_descubreVC;
+    QPointer<DescubreTableViewController> m_descubreVC;
     QPointer<LugaresTableViewController> m_lugaresVC;
-    QPointer<ViewController> m_ofertasVC;
+    QPointer<OfertasTableViewController> m_ofertasVC;
     QStringList m_tabs;
     int m_selectedTab = 0;
     AttributedString m_provinceTitle;
@@ -147,6 +149,7 @@ private:
     BarButtonItem *m_filterButton = nullptr;
     Filters m_lastFilters;
     bool m_searchVisible = false;
+    bool m_tabsRead = false; // the discover and offers tabs, once the list first shows
     QString m_searchText;
     QString m_activeSearch;
     bool m_searchRunning = false;

@@ -24,9 +24,12 @@ DescubreTableViewController::DescubreTableViewController(Restaurants &restaurant
 void DescubreTableViewController::viewDidLoad()
 {
     NotificationCenter &center = NotificationCenter::defaultCenter();
-    for (const QString &name : {Localize::changeNotification, Notifications::VelmoraReloadRestaurants, Notifications::RestaurantsDidReload})
-        center.addObserver(this, name, [this](const QVariant &) { reload(); });
-    reload();
+    center.addObserver(this, Localize::changeNotification, [this](const QVariant &) { reload(); });
+    for (const QString &name : {Notifications::VelmoraReloadRestaurants, Notifications::RestaurantsDidReload})
+        center.addObserver(this, name, [this](const QVariant &) { reloadInBackground(); });
+    setTitle(qtTrId("search_discover"));
+    if (readOnLoad)
+        reloadInBackground();
 }
 
 QList<DescubreTableViewController::DiscoverRow> DescubreTableViewController::mix(int promoCount, int adCount)
@@ -50,12 +53,37 @@ double DescubreTableViewController::parallaxFactor(double offset, double frameHe
     return std::clamp(offset / (contentHeight - frameHeight), 0.0, 1.0) - 0.5;
 }
 
+DescubreTableViewController::Feed DescubreTableViewController::readFeed(Restaurants &restaurants, int province)
+{
+    Feed feed;
+    // The promotions come shuffled from the catalogue: the order changes from one load to the next.
+    feed.promos = restaurants.promos(province);
+    feed.ads = restaurants.ads();
+    for (const Promo &promo : feed.promos)
+        feed.briefs.append(restaurants.brief(promo.rid));
+    return feed;
+}
+
 void DescubreTableViewController::reload()
 {
+    m_reads.supersede();
+    showFeed(readFeed(m_restaurants, UserDefaults::standard().integerForKey(DefaultKeys::province)));
+}
+
+void DescubreTableViewController::reloadInBackground()
+{
+    m_reads.start(
+        this, [restaurants = &m_restaurants, province = UserDefaults::standard().integerForKey(DefaultKeys::province)] {
+            return readFeed(*restaurants, province);
+        },
+        [this](const Feed &feed) { showFeed(feed); });
+}
+
+void DescubreTableViewController::showFeed(const Feed &feed)
+{
     setTitle(qtTrId("search_discover"));
-    // The promotions come shuffled from the catalogue: the order changes from one load to the next.
-    m_promos = m_restaurants.promos(UserDefaults::standard().integerForKey(DefaultKeys::province));
-    m_ads = m_restaurants.ads();
+    m_promos = feed.promos;
+    m_ads = feed.ads;
     m_rows = mix(int(m_promos.size()), int(m_ads.size()));
     m_items.clear();
     for (const DiscoverRow &row : m_rows) {
@@ -67,7 +95,7 @@ void DescubreTableViewController::reload()
             continue;
         }
         const Promo &promo = m_promos.at(row.index);
-        const auto brief = m_restaurants.brief(promo.rid);
+        const std::optional<Brief> &brief = feed.briefs.at(row.index);
         const QString cuisine = brief && !brief->cuisines.isEmpty() ? brief->cuisines.first() : QString();
         const QString subtitle = QStringLiteral("<body><p><i>%1</i> <b><![CDATA[%2 / ]]></b><![CDATA[%3]]></p></body>")
                                      .arg(IconFont::location, cuisine, brief ? brief->address : QString());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Records.h"
+#include "presentation/BackgroundReads.h"
 #include "presentation/ViewController.h"
 #include "richtext/RichString.h"
 
@@ -42,7 +43,12 @@ public:
     const QList<DiscoverRow> &discoverRows() const { return m_rows; }
     // For the view: {"kind", "picture", and for a promo "rid", "name", "subtitle"}.
     QVariantList rows() const { return m_items; }
+    // Reads and shows the feed at once (a new language); `reloadInBackground` reads it off the
+    // main thread, the rows shown until then staying: at load (unless `readOnLoad` is false,
+    // for a screen that asks later) and for a new catalogue or province.
     void reload();
+    void reloadInBackground();
+    bool readOnLoad = true;
     Q_INVOKABLE void didSelectRow(int row);
     // A row's cell was made (again, when scrolled back): an ad's showing counts each time.
     Q_INVOKABLE void rowConfigured(int row);
@@ -56,10 +62,20 @@ protected:
     void viewDidLoad() override;
 
 private:
+    // What the feed shows, as read from the catalogue.
+    struct Feed {
+        QList<Promo> promos;
+        QList<Ad> ads;
+        QList<std::optional<Brief>> briefs; // one a promo
+    };
+    static Feed readFeed(Restaurants &restaurants, int province);
+    void showFeed(const Feed &feed);
+
     Restaurants &m_restaurants;
     RichString R;
     QList<Promo> m_promos;
     QList<Ad> m_ads;
     QList<DiscoverRow> m_rows;
     QVariantList m_items;
+    BackgroundReads m_reads;
 };

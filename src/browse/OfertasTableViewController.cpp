@@ -31,12 +31,7 @@ OfertasTableViewController::OfertasTableViewController(Restaurants &restaurants,
 {
 }
 
-OfertasTableViewController::~OfertasTableViewController()
-{
-    // Offers may be reading for this screen on the background queue; the catalogue they read
-    // lives as long as this screen.
-    Globals::backgroundQueue().waitUntilAllOperationsAreFinished();
-}
+OfertasTableViewController::~OfertasTableViewController() = default;
 
 void OfertasTableViewController::viewDidLoad()
 {
@@ -51,7 +46,8 @@ void OfertasTableViewController::viewDidLoad()
     center.addObserver(this, Notifications::VelmoraReloadRestaurants, reloadInBackground);
     center.addObserver(this, Notifications::RestaurantsDidReload, reloadInBackground);
     setTitle(qtTrId(restaurantMode() ? "offers_title" : "search_offers"));
-    reloadOffers();
+    if (readOnLoad)
+        reloadOffersInBackground();
 }
 
 int OfertasTableViewController::province() const { return UserDefaults::standard().integerForKey(DefaultKeys::province); }
@@ -81,20 +77,18 @@ OfertasTableViewController::Sections OfertasTableViewController::validSections(Q
 
 void OfertasTableViewController::reloadOffers()
 {
-    ++m_offersRequested;
+    m_reads.supersede();
     showOffers(validSections(m_restaurants.offers(province(), rid), QDateTime::currentDateTime()));
 }
 
 void OfertasTableViewController::reloadOffersInBackground()
 {
-    const quint64 request = ++m_offersRequested;
-    Globals::backgroundQueue().addOperation([self = QPointer(this), restaurants = &m_restaurants, province = province(), rid = rid, request] {
-        Sections sections = validSections(restaurants->offers(province, rid), QDateTime::currentDateTime());
-        dispatchMain([self, sections = std::move(sections), request] {
-            if (self && request == self->m_offersRequested)
-                self->showOffers(sections);
-        });
-    });
+    m_reads.start(
+        this,
+        [restaurants = &m_restaurants, province = province(), rid = rid] {
+            return validSections(restaurants->offers(province, rid), QDateTime::currentDateTime());
+        },
+        [this](const Sections &sections) { showOffers(sections); });
 }
 
 std::pair<QString, QString> OfertasTableViewController::priceParts(double price)

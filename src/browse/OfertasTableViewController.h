@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalogue/Records.h"
+#include "presentation/BackgroundReads.h"
 #include "presentation/ViewController.h"
 #include "richtext/RichString.h"
 
@@ -48,6 +49,11 @@ public:
     // ("7." and "50" for 7.5); both empty for no price.
     static std::pair<QString, QString> priceParts(double price);
 
+    // Reads the offers off the main thread, the rows shown until then staying: at load (unless
+    // `readOnLoad` is false, for a screen that asks later), for a new catalogue or province.
+    void reloadOffersInBackground();
+    bool readOnLoad = true;
+
 signals:
     void rowsChanged();
 
@@ -57,14 +63,11 @@ protected:
 private:
     int province() const;
     void reloadOffers();
-    // For a new catalogue or province while the app is in use: the offers are read off the
-    // main thread, and the rows shown until then stay.
-    void reloadOffersInBackground();
     void showOffers(Sections sections);
 
     Restaurants &m_restaurants;
     RichString R;
     Sections m_ofertas;
     QVariantList m_rows;
-    quint64 m_offersRequested = 0;
+    BackgroundReads m_reads;
 };

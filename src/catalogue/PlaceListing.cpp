@@ -13,10 +13,10 @@
 namespace {
 
 // The first character of a sort name, upper-cased: the letter of its section.
-QString sectionLetter(const QString &searchName)
+QString sectionLetter(QStringView searchName)
 {
     const int length = searchName.size() > 1 && searchName.at(0).isHighSurrogate() ? 2 : 1;
-    return searchName.left(length).toUpper();
+    return searchName.left(length).toString().toUpper();
 }
 
 // Entry i of texts kept end to end: [offsets[i], offsets[i + 1]).
@@ -83,21 +83,31 @@ QString foldForSearch(const QString &text)
 std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &error)
 {
     auto listing = std::make_shared<PlaceListing>();
-    std::vector<QString> sortNames;
+    // Room for every row from the start (the largest row id is a look at the table's last page).
+    qint64 expected = 0;
+    db.forEachRow(QStringLiteral("SELECT max(rowid) FROM restaurants"), {}, [&](const ResultSet &row) {
+        expected = std::clamp<qint64>(row.longForColumn(0), 0, 1 << 21) + 1;
+        return false;
+    });
+    listing->m_places.reserve(size_t(expected));
+    listing->m_nameOffsets.reserve(size_t(expected) + 1);
+    listing->m_readAddressOffsets.reserve(size_t(expected) + 1);
+    // Texts end to end rather than a string a place: a string's own overhead would double the
+    // text's memory, and making one a column would cost the read as much as the file does.
+    QString sortText; // only for ranking
+    std::vector<qsizetype> sortOffsets;
+    sortOffsets.reserve(size_t(expected) + 1);
     const bool read = db.forEachRow(QStringLiteral("SELECT id,search_name,name,address FROM restaurants"), {},
                                     [&](const ResultSet &row) {
                                         Place place;
                                         place.id = row.intForColumn(0);
-                                        QString name = row.stringForColumn(2);
-                                        place.named = !name.isNull();
-                                        listing->m_places.push_back(place);
-                                        // End to end rather than a string a place: a string's
-                                        // own overhead would double the text's memory.
                                         listing->m_nameOffsets.push_back(listing->m_names.size());
-                                        listing->m_names += name;
-                                        sortNames.push_back(row.stringForColumn(1));
+                                        place.named = row.appendStringForColumn(2, listing->m_names);
+                                        listing->m_places.push_back(place);
+                                        sortOffsets.push_back(sortText.size());
+                                        row.appendStringForColumn(1, sortText);
                                         listing->m_readAddressOffsets.push_back(listing->m_readAddresses.size());
-                                        listing->m_readAddresses += row.stringForColumn(3);
+                                        row.appendStringForColumn(3, listing->m_readAddresses);
                                         return true;
                                     });
     if (!read) {
@@ -106,6 +116,8 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     }
     listing->m_nameOffsets.push_back(listing->m_names.size());
     listing->m_readAddressOffsets.push_back(listing->m_readAddresses.size());
+    sortOffsets.push_back(sortText.size());
+    const auto sortName = [&](int i) { return spanOf(sortText, sortOffsets, size_t(i)); };
     // Ids are a catalogue's row ids: nearly always dense enough to look up in a vector.
     int largest = 0;
     for (const Place &place : listing->m_places)
@@ -131,9 +143,9 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
         int index;
     };
     std::vector<Keyed> order;
-    order.reserve(sortNames.size());
-    for (int i = 0; i < int(sortNames.size()); ++i) {
-        const QString &name = sortNames[size_t(i)];
+    order.reserve(listing->m_places.size());
+    for (int i = 0; i < int(listing->m_places.size()); ++i) {
+        const QStringView name = sortName(i);
         if (name.isEmpty())
             continue;
         Keyed keyed{{}, i};
@@ -146,10 +158,10 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
             return a.prefix < b.prefix;
         // Equal packed beginnings: the rest decides (a name shorter than the packed length is
         // padded with zeros there, so it is compared whole).
-        const QString &first = sortNames[size_t(a.index)];
-        const QString &second = sortNames[size_t(b.index)];
+        const QStringView first = sortName(a.index);
+        const QStringView second = sortName(b.index);
         const qsizetype from = std::min({first.size(), second.size(), packedLength});
-        const int c = QStringView(first).sliced(from).compare(QStringView(second).sliced(from));
+        const int c = first.sliced(from).compare(second.sliced(from));
         return c != 0 ? c < 0 : listing->m_places[size_t(a.index)].id < listing->m_places[size_t(b.index)].id;
     });
 
@@ -169,7 +181,7 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     std::vector<int> slotOfRank;
     slotOfRank.reserve(order.size());
     for (const Keyed &keyed : order) {
-        const QString &name = sortNames[size_t(keyed.index)];
+        const QStringView name = sortName(keyed.index);
         const char16_t first = name.at(0).unicode();
         if (name.at(0).isHighSurrogate()) {
             slotOfRank.push_back(slotOf(sectionLetter(name)));

@@ -43,11 +43,12 @@ QMap<QString, QMap<int, QString>> builtInProvinceNames()
     };
 }
 
-// Opens `path` read-only and keys it. Null when either step fails.
+// Opens `path` read-only and keys it. Null when either step fails. The connection is used by
+// one thread at a time (the load, then its DatabaseQueue's lock), so SQLite needn't lock too.
 std::unique_ptr<Database> openKeyed(const QString &path, QString *error = nullptr)
 {
     auto db = std::make_unique<Database>(path);
-    if (!db->openWithFlags(Database::ReadOnly) || !db->setKey(Restaurants::dbkey)) {
+    if (!db->openWithFlags(Database::ReadOnly | Database::OneThread) || !db->setKey(Restaurants::dbkey)) {
         if (error)
             *error = db->lastErrorMessage();
         return nullptr;

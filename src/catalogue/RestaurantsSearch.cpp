@@ -15,6 +15,10 @@
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
+#ifdef Q_OS_LINUX
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
 #include <limits>
 #include <vector>
 
@@ -50,6 +54,16 @@ void releaseFreedMemory()
 {
 #ifdef __GLIBC__
     malloc_trim(0);
+#endif
+}
+
+// What the calling thread does from here on yields to the rest: work wanted soon but not for
+// the next frames (the first frames of a start are the window's). Never starved, though: a
+// search may be waiting for it.
+void yieldToTheWindow()
+{
+#ifdef Q_OS_LINUX
+    setpriority(PRIO_PROCESS, id_t(gettid()), 10);
 #endif
 }
 }
@@ -153,7 +167,7 @@ bool Restaurants::buildSearchIndex(DatabaseQueue &index, const QString &catalogu
     // A connection of its own, so the screens' reads never wait for the build; keying it costs no
     // derivation, as the load already made this file's key.
     Database source(cataloguePath);
-    if (!source.openWithFlags(Database::ReadOnly) || !source.setKey(dbkey)) {
+    if (!source.openWithFlags(Database::ReadOnly | Database::OneThread) || !source.setKey(dbkey)) {
         qCDebug(lcSearch).noquote() << "ERROR inserting into fts db: " + source.lastErrorMessage();
         return false;
     }
@@ -216,6 +230,8 @@ void Restaurants::readListingAhead(const QString &path)
             listing = readListing(path, error);
             m_aheadListing = {path, listing};
         }
+        // Folding is for the first search; a search asked before it ends folds at its own pace.
+        yieldToTheWindow();
         if (listing)
             listing->fold();
         releaseFreedMemory();
@@ -225,8 +241,9 @@ void Restaurants::readListingAhead(const QString &path)
 std::shared_ptr<const PlaceListing> Restaurants::readListing(const QString &path, QString &error)
 {
     // A connection of its own (keyed from the derived key), so that screens' reads don't wait.
+    // Used by this thread alone.
     Database source(path);
-    if (source.openWithFlags(Database::ReadOnly) && source.setKey(dbkey))
+    if (source.openWithFlags(Database::ReadOnly | Database::OneThread) && source.setKey(dbkey))
         return PlaceListing::read(source, error);
     error = source.lastErrorMessage();
     return nullptr;

@@ -58,7 +58,7 @@ bool Database::openWithFlags(int flags)
     clearError();
     const QByteArray path = m_path.toUtf8();
     sqlite3 *db = nullptr;
-    const int rc = sqlite3_open_v2(path.constData(), &db, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
+    const int rc = sqlite3_open_v2(path.constData(), &db, (flags & OneThread) ? flags : flags | SQLITE_OPEN_FULLMUTEX, nullptr);
     if (rc != SQLITE_OK) {
         m_lastErrorCode = rc;
         m_lastError = db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(sqlite3_errstr(rc));

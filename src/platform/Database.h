@@ -55,7 +55,9 @@ class Database
 {
 public:
     // The values of SQLITE_OPEN_READONLY, _READWRITE and _CREATE, which the catalogue rules name.
-    enum OpenFlag { ReadOnly = 0x1, ReadWrite = 0x2, Create = 0x4 };
+    // OneThread (SQLITE_OPEN_NOMUTEX) is for a connection only ever used by the thread that
+    // opened it: it spares a lock around every call. Others are serialized by SQLite.
+    enum OpenFlag { ReadOnly = 0x1, ReadWrite = 0x2, Create = 0x4, OneThread = 0x8000 };
 
     explicit Database(QString path);
     ~Database();

@@ -2,6 +2,7 @@
 
 #include <sqlcipher/sqlite3.h>
 
+#include <algorithm>
 #include <utility>
 
 ResultSet::ResultSet(sqlite3_stmt *statement)
@@ -95,6 +96,20 @@ QString ResultSet::stringForColumn(int column) const
     const int bytes = sqlite3_column_bytes(m_statement, column);
     // An empty, non-NULL text stays distinguishable from NULL.
     return text ? QString::fromUtf8(text, bytes) : QString(QLatin1String(""));
+}
+
+bool ResultSet::appendStringForColumn(int column, QString &text) const
+{
+    const auto *utf8 = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
+    if (!utf8)
+        return false;
+    const int bytes = sqlite3_column_bytes(m_statement, column);
+    // Most names are ASCII, which Latin-1 appends without decoding.
+    if (std::all_of(utf8, utf8 + bytes, [](char c) { return (c & 0x80) == 0; }))
+        text.append(QLatin1StringView(utf8, bytes));
+    else
+        text.append(QString::fromUtf8(utf8, bytes));
+    return true;
 }
 
 QByteArray ResultSet::dataForColumn(int column) const

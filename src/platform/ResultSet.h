@@ -36,6 +36,8 @@ public:
     qint64 longForColumn(int column) const;
     double doubleForColumn(int column) const;
     QString stringForColumn(int column) const;
+    // Adds a text column to the end of `text` without a string of its own; false for NULL.
+    bool appendStringForColumn(int column, QString &text) const;
     QByteArray dataForColumn(int column) const;
     // The value in its stored type: qlonglong, double, QString, QByteArray, or null.
     QVariant valueForColumn(int column) const;

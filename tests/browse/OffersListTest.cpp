@@ -7,6 +7,7 @@
 #include "presentation/NavigationController.h"
 
 #include <QDateTime>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -61,6 +62,8 @@ TEST(OffersList, ValidTodayOneSectionPerPlace)
     ASSERT_TRUE(restaurants->ready());
     OfertasTableViewController province(*restaurants);
     province.loadViewIfNeeded();
+    // The offers are read off the main thread; the screen shows them once they are.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !province.rows().isEmpty(); }, 3000));
     const QString shared = restaurants->brief(100)->name;
     EXPECT_EQ(titles(province), (QStringList{shared + QStringLiteral(":Now"), shared + QStringLiteral(":Late"),
                                              shared + QStringLiteral(":Also")}));
@@ -69,6 +72,7 @@ TEST(OffersList, ValidTodayOneSectionPerPlace)
     OfertasTableViewController place(*restaurants);
     place.rid = 101;
     place.loadViewIfNeeded();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !place.rows().isEmpty(); }, 3000));
     EXPECT_TRUE(place.ofertas().isEmpty());
     ASSERT_EQ(place.rows().size(), 1) << "a place without offers today shows its card alone";
     EXPECT_EQ(place.rows().first().toMap().value(QStringLiteral("kind")), QStringLiteral("card"));
@@ -94,12 +98,14 @@ TEST(OffersList, TapsOpenThePlace)
     NavigationController navigation;
     OfertasTableViewController province(*restaurants);
     navigation.setViewControllers({&province}, false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !province.rows().isEmpty(); }, 3000));
     province.didSelectRow(1); // the first offer, under the first header
     ASSERT_EQ(navigation.viewControllers().size(), 2);
     EXPECT_EQ(home.storedEvents(), QStringList{QStringLiteral("Navigation/Tapped/Offer/1")});
     auto *place = qobject_cast<OfertasTableViewController *>(navigation.topViewController());
     ASSERT_TRUE(place);
     EXPECT_EQ(place->rid, 100);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !place->rows().isEmpty(); }, 3000));
     place->inertRestCard = true;
     place->didSelectRow(0);
     EXPECT_EQ(navigation.viewControllers().size(), 2);
