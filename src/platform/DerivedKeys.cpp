@@ -3,7 +3,12 @@
 #include <QFile>
 #include <QHash>
 
-#include <openssl/evp.h>
+// The one-block SHA-1 calls, deprecated for general hashing, are what lets the pads be kept.
+#define OPENSSL_SUPPRESS_DEPRECATED
+#include <openssl/sha.h>
+
+#include <algorithm>
+#include <cstring>
 
 #include <atomic>
 #include <mutex>
@@ -45,13 +50,8 @@ QString DerivedKeys::keyStatement(const QString &path, const QString &passphrase
         hex = cache.value(cacheKey);
     }
     if (hex.isEmpty()) {
-        unsigned char key[keySize];
-        if (PKCS5_PBKDF2_HMAC_SHA1(secret.constData(), int(secret.size()),
-                                   reinterpret_cast<const unsigned char *>(salt->constData()), saltSize, rounds,
-                                   keySize, key) != 1)
-            return plain;
         ++derivations;
-        hex = QByteArray(reinterpret_cast<const char *>(key), keySize).toHex();
+        hex = pbkdf2Sha1(secret, *salt, rounds, keySize).toHex();
         std::lock_guard lock(cacheMutex);
         cache.insert(cacheKey, hex);
     }
@@ -59,3 +59,52 @@ QString DerivedKeys::keyStatement(const QString &path, const QString &passphrase
 }
 
 int DerivedKeys::derivationCount() { return derivations.load(); }
+
+QByteArray DerivedKeys::pbkdf2Sha1(const QByteArray &secret, const QByteArray &salt, int rounds, int length)
+{
+    constexpr int block = SHA_CBLOCK;
+    constexpr int digest = SHA_DIGEST_LENGTH;
+    // The HMAC key: the secret, or its hash when longer than a block, padded with zeros.
+    unsigned char key[block] = {};
+    if (secret.size() > block)
+        SHA1(reinterpret_cast<const unsigned char *>(secret.constData()), size_t(secret.size()), key);
+    else
+        std::memcpy(key, secret.constData(), size_t(secret.size()));
+    unsigned char pad[block];
+    SHA_CTX inner;
+    SHA_CTX outer;
+    for (int i = 0; i < block; ++i)
+        pad[i] = key[i] ^ 0x36;
+    SHA1_Init(&inner);
+    SHA1_Update(&inner, pad, block);
+    for (int i = 0; i < block; ++i)
+        pad[i] = key[i] ^ 0x5c;
+    SHA1_Init(&outer);
+    SHA1_Update(&outer, pad, block);
+    const auto hmac = [&](const unsigned char *message, size_t size, unsigned char *out) {
+        SHA_CTX context = inner;
+        SHA1_Update(&context, message, size);
+        SHA1_Final(out, &context);
+        context = outer;
+        SHA1_Update(&context, out, digest);
+        SHA1_Final(out, &context);
+    };
+    QByteArray derived;
+    derived.reserve(length);
+    for (quint32 index = 1; derived.size() < length; ++index) {
+        QByteArray first = salt;
+        for (int shift = 24; shift >= 0; shift -= 8)
+            first.append(char((index >> shift) & 0xff));
+        unsigned char u[digest];
+        unsigned char sum[digest];
+        hmac(reinterpret_cast<const unsigned char *>(first.constData()), size_t(first.size()), u);
+        std::memcpy(sum, u, digest);
+        for (int round = 1; round < rounds; ++round) {
+            hmac(u, digest, u);
+            for (int i = 0; i < digest; ++i)
+                sum[i] ^= u[i];
+        }
+        derived.append(reinterpret_cast<const char *>(sum), std::min(digest, int(length - derived.size())));
+    }
+    return derived;
+}
