@@ -13,6 +13,7 @@
 #include <QFont>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlComponent>
 #include <QQuickWindow>
 #include <QScreen>
 #include <QtQml/qqmlextensionplugin.h>
@@ -21,9 +22,27 @@
 Q_IMPORT_QML_PLUGIN(VelmoraPlugin)
 Q_IMPORT_QML_PLUGIN(Velmora_RichTextPlugin)
 
+namespace {
+const QUrl mainQml(QStringLiteral("qrc:/Velmora/app/Main.qml"));
+}
+
+std::unique_ptr<QQmlApplicationEngine> AppWindow::startEngine()
+{
+    auto engine = std::make_unique<QQmlApplicationEngine>();
+    engine->addImportPath(QStringLiteral("qrc:/"));
+    // Loading goes on in the background; load() then finds the types read.
+    new QQmlComponent(engine.get(), mainQml, QQmlComponent::Asynchronous, engine.get());
+    return engine;
+}
+
 AppWindow::AppWindow(AppDelegate &delegate)
+    : AppWindow(delegate, nullptr)
+{
+}
+
+AppWindow::AppWindow(AppDelegate &delegate, std::unique_ptr<QQmlApplicationEngine> engine)
     : m_delegate(delegate)
-    , m_engine(std::make_unique<QQmlApplicationEngine>())
+    , m_engine(engine ? std::move(engine) : std::make_unique<QQmlApplicationEngine>())
 {
     // Every qsTrId() binding is evaluated anew in the new language.
     NotificationCenter::defaultCenter().addObserver(m_engine.get(), Localize::changeNotification,
@@ -41,7 +60,7 @@ bool AppWindow::load()
     m_engine->addImageProvider(QStringLiteral("places"), new PlacePictureProvider);
     m_engine->addImageProvider(QStringLiteral("placecard"), new HeaderPictureProvider);
     m_engine->setInitialProperties({{QStringLiteral("app"), QVariant::fromValue(&m_delegate)}});
-    m_engine->load(QUrl(QStringLiteral("qrc:/Velmora/app/Main.qml")));
+    m_engine->load(mainQml);
     if (!window()) {
         qCCritical(lcApp) << "The main window could not be created";
         return false;

@@ -18,7 +18,14 @@ public:
     static constexpr int logicalWidth = 390;
     static constexpr int logicalHeight = 844;
 
+    // Makes the engine and starts reading and compiling the window's QML on the engine's
+    // loader thread, so that it is ready by the time the window is made: at start, while the
+    // catalogue loads.
+    static std::unique_ptr<QQmlApplicationEngine> startEngine();
+
     explicit AppWindow(AppDelegate &delegate);
+    // With the engine startEngine made.
+    AppWindow(AppDelegate &delegate, std::unique_ptr<QQmlApplicationEngine> engine);
     ~AppWindow();
 
     bool load();

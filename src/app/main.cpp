@@ -15,6 +15,7 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QGuiApplication>
+#include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTextStream>
@@ -99,12 +100,13 @@ int main(int argc, char *argv[])
         instance.listen();
     }
 
+    std::unique_ptr<QQmlApplicationEngine> engine = AppWindow::startEngine();
     AppDelegate delegate;
     delegate.didFinishLaunching();
 
     if (options.dumpUi)
         prepareUiDump();
-    AppWindow window(delegate);
+    AppWindow window(delegate, std::move(engine));
     if (!window.load())
         return 1;
 

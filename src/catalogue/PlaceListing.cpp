@@ -135,11 +135,13 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
 
     // Ranks by sort name (ties by id, so the order is the same on every run); a place without
     // a sort name has none and drops out of every list. Names share long beginnings
-    // ("restaurante ..."), so the first sixteen characters are packed into integers that decide
-    // most comparisons, and only names equal that far are compared from there on.
-    constexpr qsizetype packedLength = 16;
+    // ("restaurante ..."), so their first 24 characters are packed a byte each into integers
+    // that decide nearly every comparison. A character past Latin-1 (or ÿ) packs as 255 and
+    // ends the packing, so packed order never contradicts the names' order; names that pack
+    // equal are compared whole.
+    constexpr qsizetype packedLength = 24;
     struct Keyed {
-        std::array<quint64, packedLength / 4> prefix;
+        std::array<quint64, packedLength / 8> prefix;
         int index;
     };
     std::vector<Keyed> order;
@@ -149,19 +151,22 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
         if (name.isEmpty())
             continue;
         Keyed keyed{{}, i};
-        for (qsizetype c = 0; c < packedLength; ++c)
-            keyed.prefix[size_t(c / 4)] = (keyed.prefix[size_t(c / 4)] << 16) | (c < name.size() ? name.at(c).unicode() : 0);
+        bool packing = true;
+        for (qsizetype c = 0; c < packedLength; ++c) {
+            quint64 byte = 0;
+            if (packing && c < name.size()) {
+                byte = std::min<quint64>(name.at(c).unicode(), 255);
+                packing = byte < 255;
+            }
+            keyed.prefix[size_t(c / 8)] = (keyed.prefix[size_t(c / 8)] << 8) | byte;
+        }
         order.push_back(keyed);
     }
     std::sort(order.begin(), order.end(), [&](const Keyed &a, const Keyed &b) {
-        if (a.prefix != b.prefix)
-            return a.prefix < b.prefix;
-        // Equal packed beginnings: the rest decides (a name shorter than the packed length is
-        // padded with zeros there, so it is compared whole).
-        const QStringView first = sortName(a.index);
-        const QStringView second = sortName(b.index);
-        const qsizetype from = std::min({first.size(), second.size(), packedLength});
-        const int c = first.sliced(from).compare(second.sliced(from));
+        for (size_t k = 0; k < a.prefix.size(); ++k)
+            if (a.prefix[k] != b.prefix[k])
+                return a.prefix[k] < b.prefix[k];
+        const int c = sortName(a.index).compare(sortName(b.index));
         return c != 0 ? c < 0 : listing->m_places[size_t(a.index)].id < listing->m_places[size_t(b.index)].id;
     });
 

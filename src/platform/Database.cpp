@@ -14,6 +14,18 @@ namespace {
 // A busy catalogue file (a patch being applied beside a reader) is waited for, not failed.
 constexpr int busyTimeoutMs = 2000;
 
+// SQLite counts every allocation under one process-wide lock unless told not to: with the
+// catalogue read on several threads at once (the load, the listing, the screens), that lock
+// had them queueing at every row. Nothing here reads those counts.
+void configureOnce()
+{
+    static const bool configured = [] {
+        sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+        return sqlite3_initialize() == SQLITE_OK;
+    }();
+    Q_UNUSED(configured);
+}
+
 bool bindArgument(sqlite3_stmt *statement, int index, const QVariant &value)
 {
     switch (value.typeId()) {
@@ -56,6 +68,7 @@ bool Database::openWithFlags(int flags)
     if (m_db)
         return true;
     clearError();
+    configureOnce();
     const QByteArray path = m_path.toUtf8();
     sqlite3 *db = nullptr;
     const int rc = sqlite3_open_v2(path.constData(), &db, (flags & OneThread) ? flags : flags | SQLITE_OPEN_FULLMUTEX, nullptr);

@@ -11,6 +11,8 @@
 #include <cstring>
 
 #include <atomic>
+#include <future>
+#include <vector>
 #include <mutex>
 
 namespace {
@@ -89,9 +91,9 @@ QByteArray DerivedKeys::pbkdf2Sha1(const QByteArray &secret, const QByteArray &s
         SHA1_Update(&context, out, digest);
         SHA1_Final(out, &context);
     };
-    QByteArray derived;
-    derived.reserve(length);
-    for (quint32 index = 1; derived.size() < length; ++index) {
+    // Each digest-sized block of the key is a chain of its own: all but the first are worked
+    // out on threads of their own meanwhile (a catalogue's key is two blocks).
+    const auto chain = [&](quint32 index) {
         QByteArray first = salt;
         for (int shift = 24; shift >= 0; shift -= 8)
             first.append(char((index >> shift) & 0xff));
@@ -104,7 +106,15 @@ QByteArray DerivedKeys::pbkdf2Sha1(const QByteArray &secret, const QByteArray &s
             for (int i = 0; i < digest; ++i)
                 sum[i] ^= u[i];
         }
-        derived.append(reinterpret_cast<const char *>(sum), std::min(digest, int(length - derived.size())));
-    }
+        return QByteArray(reinterpret_cast<const char *>(sum), digest);
+    };
+    const quint32 blocks = quint32((std::max(length, 0) + digest - 1) / digest);
+    std::vector<std::future<QByteArray>> later;
+    for (quint32 index = 2; index <= blocks; ++index)
+        later.push_back(std::async(std::launch::async, chain, index));
+    QByteArray derived = blocks > 0 ? chain(1) : QByteArray();
+    for (std::future<QByteArray> &block : later)
+        derived += block.get();
+    derived.truncate(length);
     return derived;
 }
