@@ -295,20 +295,22 @@ TEST(Search, ListingDistanceAgreesWithTheMatrix)
     }
 }
 
-// Catches: the packed sort keys ordering names that share long beginnings, names that are the
-// beginning of others, or names beyond the first plane otherwise than a plain comparison of the
-// whole names would; and equal names not kept in id order.
+// Catches: the packed sort keys ordering names that share long beginnings (past the packed
+// characters too), names that are the beginning of others, characters either side of the
+// Latin-1 edge (þ, ÿ, Ā) or beyond the first plane otherwise than a plain comparison of the whole
+// names would; and equal names not kept in id order.
 TEST(Search, ListingOrderIsTheOrderOfWholeNames)
 {
     const QStringList parts = {QStringLiteral("la "), QStringLiteral("a"), QStringLiteral("é"),
-                               QStringLiteral("🍷"), QStringLiteral("\uffef"), QStringLiteral("Z"), QStringLiteral("1")};
+                               QStringLiteral("🍷"), QStringLiteral("\uffef"), QStringLiteral("Z"), QStringLiteral("1"),
+                               QStringLiteral("\u00fe"), QStringLiteral("\u00ff"), QStringLiteral("\u0100")};
     std::mt19937 random(11);
     CatalogueFixture fixture = searchFixture();
     fixture.places.clear();
     for (int id = 1; id <= 400; ++id) {
         // Most names share their first fifteen characters, some are shorter than that.
         QString name = id % 10 == 0 ? QString() : QStringLiteral("restaurante la ");
-        for (int length = 1 + int(random() % 6); length > 0; --length)
+        for (int length = 1 + int(random() % 12); length > 0; --length)
             name += parts.at(int(random() % unsigned(parts.size())));
         fixture.places.append({id, name, name, 10, 2, 0, QStringLiteral("Obispo"), std::nullopt});
     }
