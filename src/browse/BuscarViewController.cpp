@@ -19,9 +19,9 @@
 #include "presentation/SideMenuPresenter.h"
 #include "presentation/Storyboard.h"
 #include "richtext/IconFont.h"
+#include "richtext/RichTextLayout.h"
 
 #include <QTimer>
-#include "richtext/RichTextLayout.h"
 
 namespace {
 const QString discoverTab = QStringLiteral("discover");
