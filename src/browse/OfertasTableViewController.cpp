@@ -100,10 +100,21 @@ std::pair<QString, QString> OfertasTableViewController::priceParts(double price)
     return {QString::number(whole) + QLatin1Char('.'), QStringLiteral("%1").arg(cents, 2, 10, QLatin1Char('0'))};
 }
 
+QVariant OfertasTableViewController::offerText(int row)
+{
+    if (row < 0 || row >= m_rows.size())
+        return {};
+    auto rendered = m_renderedOffers.constFind(row);
+    if (rendered == m_renderedOffers.constEnd())
+        rendered = m_renderedOffers.insert(row, QVariant::fromValue(R.render(m_rows.at(row).toMap().value(QStringLiteral("markup")).toString())));
+    return *rendered;
+}
+
 void OfertasTableViewController::showOffers(Sections sections)
 {
     m_ofertas = std::move(sections);
     m_rows.clear();
+    m_renderedOffers.clear();
     if (restaurantMode()) {
         // The place list's own card, cuisines line and all.
         const Brief brief = m_restaurants.brief(rid).value_or(Brief{});
@@ -125,7 +136,7 @@ void OfertasTableViewController::showOffers(Sections sections)
             const QString markup = QStringLiteral("<body><p><b><![CDATA[%1]]></b> / <![CDATA[%2]]></p></body>").arg(offer.name, offer.description);
             m_rows.append(QVariantMap{{QStringLiteral("kind"), QStringLiteral("offer")},
                                       {QStringLiteral("rid"), offer.rid},
-                                      {QStringLiteral("text"), QVariant::fromValue(R.render(markup))},
+                                      {QStringLiteral("markup"), markup},
                                       {QStringLiteral("spoken"), offer.name + QStringLiteral(". ") + offer.description},
                                       {QStringLiteral("whole"), whole},
                                       {QStringLiteral("cents"), cents}});

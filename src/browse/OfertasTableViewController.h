@@ -6,6 +6,7 @@
 #include "richtext/RichString.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QVariantList>
 
 class Restaurants;
@@ -40,6 +41,9 @@ public:
     const Sections &ofertas() const { return m_ofertas; }
     // Flat rows for the view: {"kind": "card" | "header" | "offer", ...}.
     QVariantList rows() const { return m_rows; }
+    // An offer row's styled text, laid out when its row is first shown: a province can have
+    // thousands of offers, and laying them all out at once held the main thread.
+    Q_INVOKABLE QVariant offerText(int row);
     // The offers valid at `now`, one section a place.
     static Sections validSections(QList<Oferta> offers, const QDateTime &now);
     Q_INVOKABLE void didSelectRow(int row);
@@ -69,5 +73,6 @@ private:
     RichString R;
     Sections m_ofertas;
     QVariantList m_rows;
+    QHash<int, QVariant> m_renderedOffers; // by row
     BackgroundReads m_reads;
 };

@@ -80,8 +80,9 @@ Rectangle {
                     Accessible.name: row.modelData.spoken + (row.modelData.whole !== "" ? ". " + row.modelData.whole + row.modelData.cents : "")
                     RichLabel {
                         id: offerText
+                        objectName: "offerText"
                         anchors { left: parent.left; leftMargin: 14; right: price.left; rightMargin: 10; verticalCenter: parent.verticalCenter }
-                        text: row.modelData.text
+                        text: root.controller.offerText(row.index)
                         color: "#3a2a22"
                         maximumLineCount: root.controller.restaurantMode ? 0 : 3
                     }

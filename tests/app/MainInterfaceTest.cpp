@@ -2,6 +2,7 @@
 #include "app/AppWindow.h"
 #include "app/SideMenuViewController.h"
 #include "browse/BuscarViewController.h"
+#include "browse/OfertasTableViewController.h"
 #include "placecard/LugarTableViewController.h"
 #include "fixtures/DemoWindow.h"
 #include "fixtures/QuickItems.h"
@@ -233,6 +234,13 @@ TEST(MainInterface, TheOffersTabListsTodaysOffers)
     ASSERT_TRUE(offersTab);
     tap(window, offersTab);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("offerRow-1") && ui.item("offerRow-1")->isVisible(); }, 3000));
+    // Each offer's styled text is laid out as its row shows: the first row reads its offer.
+    auto *offers = qobject_cast<OfertasTableViewController *>(ui.search()->tabControllers().at(offersIndex));
+    ASSERT_TRUE(offers && !offers->ofertas().isEmpty());
+    const QString firstOffer = offers->ofertas().first().second.first().name;
+    QQuickItem *offerText = findItem(ui.item("offerRow-1"), QStringLiteral("offerText"));
+    ASSERT_TRUE(offerText);
+    EXPECT_TRUE(offerText->property("plainText").toString().startsWith(firstOffer)) << offerText->property("plainText").toString().toStdString();
     ui.save("offers");
     tap(window, ui.item("offerRow-1"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.delegate->mainNavigation()->viewControllers().size() == 2; }, 2000));
