@@ -12,8 +12,9 @@
 
 #include <atomic>
 #include <future>
-#include <vector>
 #include <mutex>
+#include <system_error>
+#include <vector>
 
 namespace {
 // The key derivation of this SQLCipher's format 3: PBKDF2-HMAC-SHA1, 64,000 rounds, a 32-byte key
@@ -110,11 +111,16 @@ QByteArray DerivedKeys::pbkdf2Sha1(const QByteArray &secret, const QByteArray &s
     };
     const quint32 blocks = quint32((std::max(length, 0) + digest - 1) / digest);
     std::vector<std::future<QByteArray>> later;
-    for (quint32 index = 2; index <= blocks; ++index)
-        later.push_back(std::async(std::launch::async, chain, index));
+    for (quint32 index = 2; index <= blocks; ++index) {
+        try {
+            later.push_back(std::async(std::launch::async, chain, index));
+        } catch (const std::system_error &) { // no thread to be had: worked out here, later
+            later.push_back(std::async(std::launch::deferred, chain, index));
+        }
+    }
     QByteArray derived = blocks > 0 ? chain(1) : QByteArray();
-    for (std::future<QByteArray> &block : later)
-        derived += block.get();
+    for (std::future<QByteArray> &chained : later)
+        derived += chained.get();
     derived.truncate(length);
     return derived;
 }
