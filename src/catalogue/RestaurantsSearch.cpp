@@ -396,16 +396,9 @@ QList<SortedEntry> Restaurants::searchListing(const Filters &filters, bool hideC
         return {};
     // Typing asks for the same filters at every key: their places are made bits once.
     const QString key = filterCacheKey(filterStatement(filters, hideClosed), filters);
-    bool known = false;
-    {
-        std::lock_guard lock(m_mutex);
-        known = std::get<0>(m_filteredBits) == key;
-    }
-    // New filters' places come from the catalogue, not the listing: at start they are read
-    // while the listing is still being read.
-    std::optional<QSet<int>> ids;
-    if (!known)
-        ids = filteredIds(filters, hideClosed);
+    // The filters' places come from the catalogue (or filteredIds' memory), not the listing: at
+    // start they are read while the listing is still being read.
+    const QSet<int> ids = filteredIds(filters, hideClosed);
     const auto listing = placeListing();
     if (!listing)
         return {};
@@ -417,7 +410,7 @@ QList<SortedEntry> Restaurants::searchListing(const Filters &filters, bool hideC
             places = cachedBits;
     }
     if (!places) {
-        places = std::make_shared<const PlaceBits>(listing->bitsOf(ids ? *ids : filteredIds(filters, hideClosed)));
+        places = std::make_shared<const PlaceBits>(listing->bitsOf(ids));
         std::lock_guard lock(m_mutex);
         m_filteredBits = {key, listing, places};
     }
