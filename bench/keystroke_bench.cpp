@@ -163,23 +163,21 @@ int main(int argc, char **argv)
             const double ms = double(timer.nsecsElapsed()) / 1e6;
             index.push_back(ms);
             timesOf[text].push_back(ms);
-            if (r == 0)
-                for (const Section &section : sections)
+            qsizetype listed = 0;
+            for (const Section &section : sections) {
+                listed += section.ids.size();
+                if (r == 0) {
                     listedOf[text] += section.ids;
-            // Typed text of one or two letters (spaces aside) against longer text.
-            (QString(text).remove(QLatin1Char(' ')).size() <= 2 ? shortWords : longWords).push_back(ms);
-            if (qEnvironmentVariableIsSet("VELMORA_BENCH_EACH"))
-                std::fprintf(stderr, "%-8s %7.2f ms %6lld listed\n", qPrintable(text), ms, qlonglong(sections.size()));
-            if (r == 0) {
-                qsizetype listed = 0;
-                for (const Section &section : sections) {
                     hash.addData(section.name.toUtf8());
                     for (int id : section.ids)
                         hash.addData(QByteArrayView(reinterpret_cast<const char *>(&id), sizeof id));
-                    listed += section.ids.size();
                 }
-                listedMax = std::max(listedMax, listed);
             }
+            listedMax = std::max(listedMax, listed);
+            // Typed text of one or two letters (spaces aside) against longer text.
+            (QString(text).remove(QLatin1Char(' ')).size() <= 2 ? shortWords : longWords).push_back(ms);
+            if (qEnvironmentVariableIsSet("VELMORA_BENCH_EACH"))
+                std::fprintf(stderr, "%-8s %7.2f ms %6lld listed\n", qPrintable(text), ms, qlonglong(listed));
         }
     for (const QString &text : prefixes) {
         QElapsedTimer timer;

@@ -1,9 +1,9 @@
 #include "catalogue/PlaceListing.h"
 
 #include "catalogue/EditDistance.h"
+#include "catalogue/LetterMask.h"
 #include "catalogue/SearchTerms.h"
 #include "platform/Database.h"
-
 
 #include <algorithm>
 #include <array>
@@ -23,6 +23,24 @@ QString sectionLetter(QStringView searchName)
 QStringView spanOf(const QString &text, const std::vector<qsizetype> &offsets, size_t i)
 {
     return QStringView(text).mid(offsets[i], offsets[i + 1] - offsets[i]);
+}
+
+// Whether `text` holds `part`, code unit for code unit. Names are a few dozen characters: a
+// plain pass beats a general search's set-up, and a keystroke asks tens of thousands of names.
+bool holds(QStringView text, QStringView part)
+{
+    if (part.isEmpty())
+        return true;
+    if (part.size() > text.size())
+        return false;
+    const char16_t *at = text.utf16();
+    const char16_t *const last = at + (text.size() - part.size());
+    const char16_t *const wanted = part.utf16();
+    const char16_t first = wanted[0];
+    for (; at <= last; ++at)
+        if (*at == first && std::equal(wanted + 1, wanted + part.size(), at + 1))
+            return true;
+    return false;
 }
 
 // The words of folded text, as the tokenizer splits it: runs of letters and digits.
@@ -265,6 +283,17 @@ QList<SortedEntry> PlaceListing::entriesOf(const PlaceBits &places, const QStrin
         // A single letter absent from the lower-cased name is absent from the name itself.
         const bool oneLetter = text.size() == 1 && lowered.size() == 1 && text.at(0).toLower() == lowered.at(0)
             && !text.at(0).isSurrogate();
+        const quint64 textLetters = LetterMask::of(lowered);
+        const bool maskAnswers = oneLetter && LetterMask::hasOwnBit(lowered.at(0).unicode());
+        const auto nameContains = [&](size_t position) {
+            const quint64 letters = m_nameLetters[position];
+            if ((letters & textLetters) != textLetters)
+                return false;
+            if (maskAnswers)
+                return true;
+            const qsizetype from = m_nameOffsets[position];
+            return holds(QStringView(m_loweredNames).mid(from, m_nameOffsets[position + 1] - from), lowered);
+        };
         // Names that contain the text lead; no name at all comes last in its section. The
         // others are measured four at a time.
         std::vector<size_t> measured;
@@ -275,12 +304,10 @@ QList<SortedEntry> PlaceListing::entriesOf(const PlaceBits &places, const QStrin
             ranks.set(size_t(place.rank));
             quint64 distance = farthest;
             if (place.named) {
-                const qsizetype from = m_nameOffsets[position];
-                const qsizetype length = m_nameOffsets[position + 1] - from;
-                if (QStringView(m_loweredNames).mid(from, length).contains(lowered))
+                if (nameContains(position))
                     distance = 0;
                 else if (oneLetter) // nothing in common: every letter of both is an edit
-                    distance = std::min<quint64>(farthest, quint64(1 + length));
+                    distance = std::min<quint64>(farthest, quint64(1 + m_nameOffsets[position + 1] - m_nameOffsets[position]));
                 else
                     measured.push_back(position);
             }
@@ -344,12 +371,14 @@ void PlaceListing::fold() const
         m_foldedNameOffsets.reserve(m_places.size() + 1);
         m_foldedAddressOffsets.reserve(m_places.size() + 1);
         m_loweredNames.reserve(m_names.size());
+        m_nameLetters.reserve(m_places.size());
         for (size_t i = 0; i < m_places.size(); ++i) {
             const QString name = nameAt(i).toString();
             // Lower case may change a name's length (rarely); both copies keep the same offsets.
             QString lowered = name.toLower();
             lowered.resize(name.size(), QLatin1Char(' '));
             m_loweredNames += lowered;
+            m_nameLetters.push_back(LetterMask::of(lowered));
             // The same limits as the index's, so both find the same places.
             m_foldedNameOffsets.push_back(m_foldedNames.size());
             m_foldedNames += foldForSearch(indexedNameWords(name).join(QLatin1Char(' ')));
@@ -390,7 +419,7 @@ void PlaceListing::keepMatching(PlaceBits &places, const QStringList &words) con
         inName &= places;
         PlaceBits found(places.size());
         inName.forEach([&](size_t position) {
-            if (foldedName(position).contains(word))
+            if (holds(foldedName(position), word))
                 found.set(position);
         });
         PlaceBits inAddress = m_grams.atAddressWordStart(word);

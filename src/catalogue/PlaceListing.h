@@ -77,8 +77,9 @@ private:
     mutable std::vector<qsizetype> m_readAddressOffsets;
 
     mutable std::once_flag m_folded;
-    // The names lower-cased, at the same offsets.
+    // The names lower-cased, at the same offsets, and the letters each has (LetterMask).
     mutable QString m_loweredNames;
+    mutable std::vector<quint64> m_nameLetters;
     // Folded names and addresses for matching, kept end to end the same way.
     mutable QString m_foldedNames;
     mutable QString m_foldedAddresses;

@@ -329,6 +329,51 @@ TEST(Search, ListingOrderIsTheOrderOfWholeNames)
     EXPECT_EQ(idsOf(restaurants.sortedEntries(all, QString())), expected);
 }
 
+// Catches: a name holding the typed text in another case not put first, a character taken for
+// another by the names' letter masks (accented letters, ñ, Cyrillic, digits), and one typed
+// letter ordered otherwise than several: within its section each name stands by its distance
+// to the text, names holding it first, then as listed without text.
+TEST(Search, ListingWithTextPutsTheClosestNamesFirst)
+{
+    const QStringList alphabet = {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("é"), QStringLiteral("É"),
+                                  QStringLiteral("ñ"), QStringLiteral("Ñ"), QStringLiteral("ü"), QStringLiteral("ж"),
+                                  QStringLiteral("ё"), QStringLiteral("1"), QStringLiteral("Z"), QStringLiteral(" ")};
+    std::mt19937 random(3);
+    const auto word = [&](int longest) {
+        QString text;
+        for (int length = 1 + int(random() % unsigned(longest)); length > 0; --length)
+            text += alphabet.at(int(random() % unsigned(alphabet.size())));
+        return text;
+    };
+    CatalogueFixture fixture = searchFixture();
+    fixture.places.clear();
+    for (int id = 1; id <= 300; ++id) {
+        const QString name = word(9);
+        fixture.places.append({id, name, name.toLower(), 10, 2, 0, QStringLiteral("Obispo"), std::nullopt});
+    }
+    TestHome home;
+    home.addCatalogue(fixture, QStringLiteral("velmora-20170101.db"));
+    Restaurants restaurants(home.environment());
+    QSet<int> all;
+    for (const auto &place : fixture.places)
+        all.insert(place.id);
+    const QList<SortedEntry> plain = restaurants.sortedEntries(all, QString());
+    QStringList texts = alphabet;
+    for (int i = 0; i < 40; ++i)
+        texts.append(word(3));
+    for (const QString &text : texts) {
+        const auto distanceTo = [&](int id) {
+            const QString name = fixture.places.at(id - 1).name;
+            return name.toLower().contains(text.toLower()) ? 0 : editDistance(text, name);
+        };
+        QList<SortedEntry> expected = plain;
+        std::stable_sort(expected.begin(), expected.end(), [&](const SortedEntry &a, const SortedEntry &b) {
+            return std::pair(a.letter, distanceTo(a.id)) < std::pair(b.letter, distanceTo(b.id));
+        });
+        EXPECT_EQ(idsOf(restaurants.sortedEntries(all, text)), idsOf(expected)) << text.toStdString();
+    }
+}
+
 // Catches: a later group of rows of a place not replacing an earlier one, a place missing from a
 // newer catalogue losing the cuisines an older one gave it, and duplicate rows counted twice.
 TEST(Search, PlaceCuisinesGroupsAndOverlays)
