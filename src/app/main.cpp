@@ -123,7 +123,12 @@ int main(int argc, char *argv[])
         QObject::connect(window.window(), &QQuickWindow::frameSwapped, &app, [&] {
             static bool rootReported = false;
             const auto *list = findItem(window.window()->contentItem(), QStringLiteral("placeList"));
-            const bool rowsShown = list && list->property("count").toInt() > 0;
+            // Shown once the cards on screen are all in: they are added a turn each.
+            bool settling = false;
+            if (const auto *view = findItem(window.window()->contentItem(), QStringLiteral("lugaresView")))
+                if (auto *controller = view->property("controller").value<QObject *>())
+                    QMetaObject::invokeMethod(controller, "rowsSettling", Qt::DirectConnection, Q_RETURN_ARG(bool, settling));
+            const bool rowsShown = list && list->property("count").toInt() > 0 && !settling;
             // The wall-clock moment lets a caller measure from the process's launch, not from main.
             const auto report = [&](const char *what) {
                 QTextStream(stdout) << what << " " << delegate.root() << " shown after " << sinceStart.elapsed()

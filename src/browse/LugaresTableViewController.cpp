@@ -1,6 +1,7 @@
 #include "LugaresTableViewController.h"
 #include "analytics/Events.h"
 #include "browse/PlaceCardTexts.h"
+#include "browse/LugaresRows.h"
 
 #include "placecard/PlaceCards.h"
 #include "platform/DefaultKeys.h"
@@ -54,158 +55,6 @@ QList<Section> groupIntoSections(const QList<SortedEntry> &entries)
     return sections;
 }
 
-// The rows of the list, one a place, with what its card shows.
-class LugaresRows : public QAbstractListModel
-{
-    Q_OBJECT
-
-public:
-    enum Role { RidRole = Qt::UserRole + 1, NameRole, AccessibleNameRole, CuisinesRole, AddressRole, WarningRole, HasPhoneRole, PictureRole,
-                SectionRole, LetterRole };
-
-    explicit LugaresRows(LugaresTableViewController &list)
-        : QAbstractListModel(&list)
-        , m_list(list)
-    {
-    }
-
-    void rebuild()
-    {
-        beginResetModel();
-        rebuildOffsets();
-        endResetModel();
-    }
-
-    // Moves to the list's new sections keeping the unchanged start and end of the list, and
-    // rewrites the rows between them in place: typing changes the rows on screen at nearly every
-    // key, and a card told its new place is far cheaper than a card made anew.
-    void update()
-    {
-        const QList<std::pair<int, int>> target = offsetsOf(m_list.m_sections);
-        const auto idOf = [this](const QList<Section> &sections, std::pair<int, int> at) {
-            return sections.at(at.first).ids.at(at.second);
-        };
-        const qsizetype before = m_index.size();
-        const qsizetype after = target.size();
-        qsizetype head = 0;
-        while (head < before && head < after && idOf(m_shown, m_index.at(head)) == idOf(m_list.m_sections, target.at(head)))
-            ++head;
-        qsizetype tail = 0;
-        while (tail < before - head && tail < after - head
-               && idOf(m_shown, m_index.at(before - 1 - tail)) == idOf(m_list.m_sections, target.at(after - 1 - tail)))
-            ++tail;
-        const qsizetype rewritten = std::min(before, after) - head - tail;
-        if (before > after) {
-            beginRemoveRows({}, int(head + rewritten), int(before - tail - 1));
-            m_index.remove(head + rewritten, before - after);
-            endRemoveRows();
-        }
-        // From here the rows read the new sections; what changed is announced below.
-        if (after > before) {
-            beginInsertRows({}, int(head + rewritten), int(after - tail - 1));
-            m_index = target;
-            m_shown = m_list.m_sections;
-            endInsertRows();
-        } else {
-            m_index = target;
-            m_shown = m_list.m_sections;
-        }
-        if (rewritten > 0)
-            emit dataChanged(index(int(head)), index(int(head + rewritten - 1)));
-        if (!m_index.isEmpty() && (head > 0 || tail > 0))
-            emit dataChanged(index(0), index(int(m_index.size()) - 1), {SectionRole, LetterRole});
-    }
-
-    // Removes a row, `change` taking it out of the sections between the model's two signals.
-    void removeRow(int row, const std::function<void()> &change)
-    {
-        beginRemoveRows({}, row, row);
-        change();
-        rebuildOffsets();
-        endRemoveRows();
-    }
-
-    int rowCount(const QModelIndex &parent = {}) const override { return parent.isValid() ? 0 : int(m_index.size()); }
-
-    int idAt(int row) const
-    {
-        if (row < 0 || row >= m_index.size())
-            return -1;
-        const auto [section, offset] = m_index.at(row);
-        return m_shown.at(section).ids.at(offset);
-    }
-    int sectionAt(int row) const { return row < 0 || row >= m_index.size() ? -1 : m_index.at(row).first; }
-
-    QVariant data(const QModelIndex &index, int role) const override
-    {
-        const int id = idAt(index.row());
-        if (id < 0)
-            return {};
-        switch (role) {
-        case RidRole:
-            return id;
-        case SectionRole:
-            return sectionAt(index.row());
-        case LetterRole:
-            return m_shown.at(sectionAt(index.row())).name;
-        case PictureRole:
-            return PlaceCardTexts::picture(m_list.m_restaurants, id);
-        default:
-            break;
-        }
-        // A place without a brief keeps whatever the card held; here that is nothing.
-        const auto brief = m_list.m_restaurants.brief(id);
-        if (!brief)
-            return {};
-        switch (role) {
-        case NameRole:
-            return brief->name;
-        case CuisinesRole:
-            return m_texts.cuisines(*brief);
-        case AddressRole:
-            return brief->address;
-        case WarningRole:
-            return PlaceCardTexts::warning(*brief);
-        case HasPhoneRole:
-            return brief->hasPhone;
-        case AccessibleNameRole:
-            return PlaceCardTexts::spoken(*brief);
-        default:
-            return {};
-        }
-    }
-
-    QHash<int, QByteArray> roleNames() const override
-    {
-        return {{RidRole, "rid"},         {NameRole, "name"},         {CuisinesRole, "cuisines"},
-                {AddressRole, "address"}, {WarningRole, "warning"},   {HasPhoneRole, "hasPhone"},
-                {PictureRole, "picture"}, {SectionRole, "section"},   {LetterRole, "letter"},
-                {AccessibleNameRole, "accessibleName"}};
-    }
-
-private:
-    // Row -> (section, offset) for every row of `sections`.
-    static QList<std::pair<int, int>> offsetsOf(const QList<Section> &sections)
-    {
-        QList<std::pair<int, int>> offsets;
-        for (int s = 0; s < sections.size(); ++s)
-            for (int r = 0; r < sections.at(s).ids.size(); ++r)
-                offsets.append({s, r});
-        return offsets;
-    }
-
-    void rebuildOffsets()
-    {
-        m_shown = m_list.m_sections;
-        m_index = offsetsOf(m_shown);
-    }
-
-    LugaresTableViewController &m_list;
-    PlaceCardTexts m_texts;
-    QList<std::pair<int, int>> m_index; // row -> (section, offset) in m_shown
-    QList<Section> m_shown;              // the sections the rows were last told about
-};
-
 LugaresTableViewController::LugaresTableViewController(Restaurants &restaurants, QObject *parent)
     : ViewController(parent)
     , m_restaurants(restaurants)
@@ -213,7 +62,7 @@ LugaresTableViewController::LugaresTableViewController(Restaurants &restaurants,
          QStringLiteral("swipe-icon { font-name: Velmora-Icons; font-size: 31; }"),
          QStringLiteral("del-icon { font-name: Velmora-Icons; font-size: 32; }"),
          QStringLiteral("swipe-text { font-name: OpenSans; font-size: 10; }")})
-    , m_rows(new LugaresRows(*this))
+    , m_rows(new LugaresRows(m_restaurants, m_sections, this))
 {
 }
 
@@ -317,6 +166,13 @@ int LugaresTableViewController::rowForSection(int section) const
         row += int(m_sections.at(s).ids.size());
     return row;
 }
+
+void LugaresTableViewController::setShownRows(int first, int last)
+{
+    m_rows->setShownRows(first, last);
+}
+
+bool LugaresTableViewController::rowsSettling() const { return m_rows->settling(); }
 
 int LugaresTableViewController::idAtRow(int row) const { return m_rows->idAt(row); }
 
@@ -461,4 +317,3 @@ void LugaresTableViewController::setEditing(bool editing)
     emit editingChanged();
 }
 
-#include "LugaresTableViewController.moc"

@@ -67,6 +67,11 @@ public:
     QStringList sectionIndexTitles() const;
     Q_INVOKABLE int rowForSection(int section) const;
     Q_INVOKABLE int idAtRow(int row) const;
+    // The rows the view has room for on screen, first to last: the cards there are rewritten
+    // and added one at a time.
+    Q_INVOKABLE void setShownRows(int first, int last);
+    // True while cards on screen are still being rewritten or added.
+    Q_INVOKABLE bool rowsSettling() const;
 
     QList<SwipeButtonType> swipeButtons;
     std::function<bool(int)> deleteCallback;
@@ -109,7 +114,6 @@ protected:
 
 private:
     quint64 m_sectionsRequested = 0; // main thread only
-    friend class LugaresRows;
     void setSections(const QList<Section> &sections, bool reload);
     bool hasPhone(int id) const;
     void deleteRow(int row);

@@ -50,8 +50,22 @@ Rectangle {
         cacheBuffer: 0
         Accessible.role: Accessible.List
         Accessible.name: qsTrId("a11y_place_list")
+        readonly property int cardHeight: 92
+        // The controller rewrites and adds the cards on screen one at a time when the rows
+        // change. Below the last card there is room for as many as the height holds.
+        function tellShownRows() {
+            if (!root.controller)
+                return
+            const first = Math.max(0, indexAt(0, contentY))
+            const last = indexAt(0, contentY + height - 1)
+            root.controller.setShownRows(first, last >= 0 ? last : first + Math.ceil(height / cardHeight))
+        }
+        onContentYChanged: tellShownRows()
+        onHeightChanged: tellShownRows()
+        onCountChanged: tellShownRows()
         delegate: RestaurantCard {
             list: root.controller
+            height: placeList.cardHeight
             width: placeList.width
         }
         ScrollIndicator.vertical: ScrollIndicator { }

@@ -31,7 +31,7 @@
 TEST(MainInterface, ListDrawerSearchAndPhoneSheet)
 {
     DemoWindow ui;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     LugaresTableViewController *list = ui.search()->lugaresVC();
     EXPECT_GT(list->sectionIndexTitles().size(), 5);
     EXPECT_TRUE(ui.item("provinceButton"));
@@ -107,7 +107,7 @@ qreal swipePosition(QQuickItem *card)
 TEST(MainInterface, AnOpenSwipeDoesNotOutliveItsRow)
 {
     DemoWindow ui;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     QQuickItem *list = ui.item("placeList");
     QQuickItem *card = ui.itemWhere([](QQuickItem *item) {
         return item->objectName().startsWith(QLatin1String("placeCard-")) && item->isVisible() && item->y() > 100;
@@ -147,7 +147,7 @@ TEST(MainInterface, TheTitleDropsTheProvincePicker)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     const QString capital = ui.search()->provinceName();
 
     tap(window, ui.item("provinceButton"));
@@ -190,7 +190,7 @@ TEST(MainInterface, TheFilterButtonSlidesInThePanel)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     LugaresTableViewController *list = ui.search()->lugaresVC();
     const int all = list->rows()->rowCount();
 
@@ -227,7 +227,7 @@ TEST(MainInterface, TheOffersTabListsTodaysOffers)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     const qsizetype offersIndex = ui.search()->tabs().indexOf(QStringLiteral("offers"));
     ASSERT_GE(offersIndex, 0) << "the capital of the demo has offers";
     QQuickItem *offersTab = ui.item(qPrintable(QStringLiteral("tab-%1").arg(offersIndex)));
@@ -262,7 +262,7 @@ TEST(MainInterface, TheDiscoverTabShowsThePromotedPlaces)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     ASSERT_EQ(ui.search()->tabs().first(), QStringLiteral("discover")) << "the demo's capital has promotions";
     QQuickItem *tabBar = ui.item("tabBar");
     QTest::mouseClick(window, Qt::LeftButton, {}, tabBar->mapToScene(QPointF(tabBar->width() / 6, tabBar->height() / 2)).toPoint());
@@ -288,7 +288,7 @@ TEST(MainInterface, DeveloperSwitchesReachTheList)
 {
     DemoWindow ui({QStringLiteral("dev-enable-opinions"), QStringLiteral("dev-enable-subscribe"), QStringLiteral("subscription-screen-seen")});
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     QQuickItem *points = ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("pointsLabel") && item->isVisible(); });
     ASSERT_TRUE(points);
     EXPECT_EQ(points->property("text").toString(), QStringLiteral("4.5"));
@@ -308,7 +308,7 @@ TEST(MainInterface, DeveloperSwitchesReachTheList)
 TEST(MainInterface, EditingMovesTheSeparatorWithTheTexts)
 {
     DemoWindow ui;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     QQuickItem *separator = ui.itemWhere([](QQuickItem *item) { return item->objectName() == QLatin1String("cardSeparator") && item->isVisible(); });
     ASSERT_TRUE(separator);
     const qreal before = separator->mapToScene(QPointF(0, 0)).x();
@@ -325,7 +325,7 @@ TEST(MainInterface, TheSearchBarClearsAndCloses)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     LugaresTableViewController *list = ui.search()->lugaresVC();
     const int all = list->rows()->rowCount();
     tap(window, ui.item("barButton-search"));
@@ -349,7 +349,7 @@ TEST(MainInterface, EscapeClosesWhatIsOnTopThenGoesBack)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     NavigationController &navigation = *ui.delegate->mainNavigation();
 
     tap(window, ui.item("barButton-search"));
@@ -404,7 +404,7 @@ TEST(MainInterface, CtrlFReachesSearchFromAnotherScreen)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     ui.delegate->openLink(QStringLiteral("velmora://myplaces"), false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return ui.item("myPlacesView") && ui.item("myPlacesView")->isVisible(); }, 3000));
 
@@ -423,7 +423,7 @@ TEST(MainInterface, TabAndReturnOpenTheMenuAndAPlace)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     const auto focused = [&] { return focusedName(window); };
 
     QTest::keyClick(window, Qt::Key_Tab);
@@ -470,7 +470,7 @@ TEST(MainInterface, TheKeysTickAFilterAndPickAMenuRow)
 {
     DemoWindow ui;
     QQuickWindow *window = ui.window->window();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     NavigationController &navigation = *ui.delegate->mainNavigation();
     const auto focused = [&] { return focusedName(window); };
 

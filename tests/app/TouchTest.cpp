@@ -12,7 +12,7 @@
 TEST(Touch, ASwipeOnARowShowsItsButtons)
 {
     DemoWindow ui;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.visibleCards() > 4; }, 5000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.listShown(); }, 5000));
     QQuickItem *card = ui.cardOnScreen();
     ASSERT_TRUE(card);
     QQuickWindow *window = ui.window->window();

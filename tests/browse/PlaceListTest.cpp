@@ -6,6 +6,10 @@
 #include <QAbstractItemModelTester>
 #include <QTest>
 
+#include <algorithm>
+#include <numeric>
+#include <random>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -106,4 +110,115 @@ TEST(PlaceList, RowsSwipesAndDeletion)
     EXPECT_EQ(navigation.topViewController()->title(), QStringLiteral("El Aljibe"));
     navigation.setViewControllers({}, false);
     list.setParent(nullptr);
+}
+
+// Catches: a row on screen never told it holds another place, rows added at the wrong place
+// or twice while those on screen are added a turn at a time, a change arriving before the last
+// one's turns are over going wrong, and a screenful of cards rewritten or added in one turn.
+TEST(PlaceList, RowsOnScreenFollowEveryListAfewCardsATurn)
+{
+    TestHome home;
+    auto restaurants = home.openCatalogue(CatalogueFixture::small());
+    LugaresTableViewController list(*restaurants);
+    QAbstractItemModel &rows = *list.rows();
+    QAbstractItemModelTester tester(&rows, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    // What a view would show: each row's place as it was last told.
+    QList<int> shown;
+    const auto placeAt = [&](int row) { return rows.data(rows.index(row, 0), Qt::UserRole + 1).toInt(); };
+    int screenTop = 0; // the view shows rows screenTop to screenTop + 7
+    int toldOnScreen = 0; // cards rewritten or added there
+    QObject::connect(&rows, &QAbstractItemModel::rowsInserted, [&](const QModelIndex &, int first, int last) {
+        int onScreen = 0;
+        for (int row = first; row <= last; ++row) {
+            shown.insert(row, placeAt(row));
+            onScreen += row >= screenTop && row < screenTop + 8;
+        }
+        EXPECT_LE(onScreen, 1) << "cards added on screen at once";
+        toldOnScreen += onScreen;
+    });
+    QObject::connect(&rows, &QAbstractItemModel::rowsRemoved, [&](const QModelIndex &, int first, int last) { shown.remove(first, last - first + 1); });
+    QObject::connect(&rows, &QAbstractItemModel::dataChanged, [&](const QModelIndex &from, const QModelIndex &to, const QList<int> &roles) {
+        // Told only its section, a card keeps its place.
+        if (!roles.isEmpty())
+            return;
+        int onScreen = 0;
+        for (int row = from.row(); row <= to.row(); ++row) {
+            shown[row] = placeAt(row);
+            onScreen += row >= screenTop && row < screenTop + 8;
+        }
+        EXPECT_LE(onScreen, 1) << "cards rewritten on screen at once";
+        toldOnScreen += onScreen;
+    });
+    QObject::connect(&rows, &QAbstractItemModel::modelReset, [&] {
+        shown.clear();
+        for (int row = 0; row < rows.rowCount(); ++row)
+            shown.append(placeAt(row));
+    });
+    std::mt19937 random(7);
+    QList<int> previous;
+    for (int round = 0; round < 120; ++round) {
+        // Now at the top, now scrolled a little.
+        screenTop = round / 10 % 2 * 4;
+        list.setShownRows(screenTop, screenTop + 7);
+        // Lists sharing a start or an end with the last, short and long, from none to 40 places.
+        QList<int> ids;
+        const int length = round % 7 == 0 ? int(random() % 3) : int(random() % 40);
+        if (round % 3 == 0 && !previous.isEmpty())
+            ids = previous.mid(0, int(random() % previous.size()));
+        while (ids.size() < length) {
+            const int id = 1 + int(random() % 200);
+            if (!ids.contains(id))
+                ids.append(id);
+        }
+        if (round % 4 == 1 && !previous.isEmpty()) { // a few places come in among those on screen
+            ids = previous;
+            for (int added = 1 + int(random() % 3); added > 0; --added)
+                if (const int id = 200 + round * 4 + added; !ids.contains(id))
+                    ids.insert(int(random() % std::min<qsizetype>(ids.size() + 1, 8)), id);
+        }
+        if (round % 5 == 0 && !previous.isEmpty())
+            for (const int id : previous.mid(previous.size() / 2))
+                if (!ids.contains(id))
+                    ids.append(id);
+        QList<SortedEntry> entries;
+        for (const int id : ids)
+            entries.append({id, QStringLiteral("ABC").at(id % 3)});
+        toldOnScreen = 0;
+        list.showSections(groupIntoSections(entries));
+        EXPECT_LE(toldOnScreen, 1) << "round " << round << ": cards on screen changed at once";
+        // Now and then the next list comes before this one's turns are over.
+        if (random() % 2 != 0)
+            ASSERT_TRUE(QTest::qWaitFor([&] { return shown == ids; }, 2000))
+                << "round " << round << ": " << shown.size() << " rows shown of " << ids.size();
+        previous = ids;
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shown == previous; }, 2000));
+
+    // Rows taken out, or added above the screen, before the cards of the last change were all
+    // told: the cards still waiting have moved, and are told where they now stand.
+    const auto run = [](int from, int count) {
+        QList<int> ids(count);
+        std::iota(ids.begin(), ids.end(), from);
+        return ids;
+    };
+    const auto show = [&](const QList<int> &ids) {
+        QList<SortedEntry> entries;
+        for (const int id : ids)
+            entries.append({id, QStringLiteral("A")});
+        list.showSections(groupIntoSections(entries));
+    };
+    for (const int top : {0, 4}) {
+        screenTop = top;
+        list.setShownRows(top, top + 7);
+        show(run(1, 30));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return shown == run(1, 30); }, 2000));
+        show(run(101, 30));
+        QList<int> moved = run(101, 30);
+        if (top == 0)
+            moved.remove(2, 3);
+        else
+            moved = QList<int>{301, 302} + moved;
+        show(moved);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return shown == moved; }, 2000)) << "screen from row " << top;
+    }
 }
