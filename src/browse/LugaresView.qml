@@ -60,6 +60,12 @@ Rectangle {
             const last = indexAt(0, contentY + height - 1)
             root.controller.setShownRows(first, last >= 0 ? last : first + Math.ceil(height / cardHeight))
         }
+        // A card added in a turn of its own is made in that turn, not with all the others at
+        // the next frame's layout.
+        Connections {
+            target: root.controller ? root.controller.rows : null
+            function onRowsInserted() { placeList.forceLayout() }
+        }
         onContentYChanged: tellShownRows()
         onHeightChanged: tellShownRows()
         onCountChanged: tellShownRows()
