@@ -58,10 +58,12 @@ void LugaresRows::update()
     }
     // From the next change of m_index the rows read the new sections; what changed is told below.
     if (added > 0) {
-        // Rows above the screen at once; those on screen a turn each, after the rewrites.
+        // Rows above the screen at once; those on screen a turn each, after the rewrites. The
+        // first rows the list ever has come at once: nothing else is on screen to keep moving,
+        // and the start's first list is soonest shown whole.
         const qsizetype firstShown = std::max<qsizetype>(addedAt, m_turns.shownFirst());
         Offsets partial = target;
-        if (firstShown < addedAt + added && firstShown <= m_turns.shownLast()) {
+        if (m_filledBefore && firstShown < addedAt + added && firstShown <= m_turns.shownLast()) {
             partial.remove(firstShown, addedAt + added - firstShown);
             m_target = target;
             m_missingFrom = firstShown;
@@ -86,6 +88,7 @@ void LugaresRows::update()
         m_turns.rewrite(int(head), int(head + rewritten - 1));
     if (!m_target.isEmpty())
         m_turns.thenStep([this] { return addMissingRow(); });
+    m_filledBefore = m_filledBefore || !m_index.isEmpty();
     if (!m_index.isEmpty() && (head > 0 || tail > 0))
         emit dataChanged(index(0), index(int(m_index.size()) - 1), {SectionRole, LetterRole});
 }

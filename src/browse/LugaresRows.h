@@ -59,5 +59,6 @@ private:
     Offsets m_target;
     qsizetype m_missingFrom = 0;
     qsizetype m_missingEnd = 0;
+    bool m_filledBefore = false; // whether the list has had rows
     ShownRowTurns m_turns;
 };

@@ -127,13 +127,14 @@ TEST(PlaceList, RowsOnScreenFollowEveryListAfewCardsATurn)
     const auto placeAt = [&](int row) { return rows.data(rows.index(row, 0), Qt::UserRole + 1).toInt(); };
     int screenTop = 0; // the view shows rows screenTop to screenTop + 7
     int toldOnScreen = 0; // cards rewritten or added there
+    bool firstFill = true;
     QObject::connect(&rows, &QAbstractItemModel::rowsInserted, [&](const QModelIndex &, int first, int last) {
         int onScreen = 0;
         for (int row = first; row <= last; ++row) {
             shown.insert(row, placeAt(row));
             onScreen += row >= screenTop && row < screenTop + 8;
         }
-        EXPECT_LE(onScreen, 1) << "cards added on screen at once";
+        EXPECT_TRUE(onScreen <= 1 || firstFill) << "cards added on screen at once";
         toldOnScreen += onScreen;
     });
     QObject::connect(&rows, &QAbstractItemModel::rowsRemoved, [&](const QModelIndex &, int first, int last) { shown.remove(first, last - first + 1); });
@@ -154,8 +155,24 @@ TEST(PlaceList, RowsOnScreenFollowEveryListAfewCardsATurn)
         for (int row = 0; row < rows.rowCount(); ++row)
             shown.append(placeAt(row));
     });
+    const auto run = [](int from, int count) {
+        QList<int> ids(count);
+        std::iota(ids.begin(), ids.end(), from);
+        return ids;
+    };
+    const auto show = [&](const QList<int> &ids) {
+        QList<SortedEntry> entries;
+        for (const int id : ids)
+            entries.append({id, QStringLiteral("A")});
+        list.showSections(groupIntoSections(entries));
+    };
+    // The first rows the list ever has come at once: nothing else is on screen yet.
+    list.setShownRows(0, 7);
+    show(run(1, 20));
+    EXPECT_EQ(shown, run(1, 20));
+    firstFill = false;
     std::mt19937 random(7);
-    QList<int> previous;
+    QList<int> previous = run(1, 20);
     for (int round = 0; round < 120; ++round) {
         // Now at the top, now scrolled a little.
         screenTop = round / 10 % 2 * 4;
@@ -196,17 +213,6 @@ TEST(PlaceList, RowsOnScreenFollowEveryListAfewCardsATurn)
 
     // Rows taken out, or added above the screen, before the cards of the last change were all
     // told: the cards still waiting have moved, and are told where they now stand.
-    const auto run = [](int from, int count) {
-        QList<int> ids(count);
-        std::iota(ids.begin(), ids.end(), from);
-        return ids;
-    };
-    const auto show = [&](const QList<int> &ids) {
-        QList<SortedEntry> entries;
-        for (const int id : ids)
-            entries.append({id, QStringLiteral("A")});
-        list.showSections(groupIntoSections(entries));
-    };
     for (const int top : {0, 4}) {
         screenTop = top;
         list.setShownRows(top, top + 7);
