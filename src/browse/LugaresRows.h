@@ -1,7 +1,7 @@
 #pragma once
 
-#include "browse/LugaresTableViewController.h"
 #include "browse/PlaceCardTexts.h"
+#include "browse/Sections.h"
 #include "browse/ShownRowTurns.h"
 
 #include <QAbstractListModel>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "browse/Sections.h"
 #include "catalogue/Records.h"
 #include "presentation/ViewController.h"
 #include "richtext/RichString.h"
@@ -13,16 +14,6 @@
 
 class Restaurants;
 
-// One section of the list: its index letter and its places in display order.
-struct Section {
-    QString name;
-    QList<int> ids;
-    bool operator==(const Section &other) const = default;
-};
-
-// Groups an ordered list of (id, letter) into sections: digits share "#", any other first
-// character makes its own section, an empty letter joins the section before it.
-QList<Section> groupIntoSections(const QList<SortedEntry> &entries);
 // The sections of a list about to be shown, its first screenful's briefs and pictures read
 // into the caches meanwhile (the cards read them on the main thread). For a background thread.
 QList<Section> sectionsToShow(Restaurants &restaurants, const QList<SortedEntry> &entries);
