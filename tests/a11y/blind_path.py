@@ -28,12 +28,16 @@ def fail(message):
     sys.exit(1)
 
 
+class Gone(Exception):
+    """An object left the tree between being listed and being read: the screen is changing."""
+
+
 def wait_for(what, find, timeout=8.0):
     end = time.time() + timeout
     while time.time() < end:
         try:
             found = find()
-        except GLib.Error:  # an object left the tree while it was read: the screen is changing
+        except (GLib.Error, Gone):  # an object left the tree while it was read: the screen is changing
             found = None
         if found:
             return found
@@ -78,6 +82,13 @@ def extents(node):
         return None
 
 
+def top(node):
+    box = extents(node)
+    if box is None:
+        raise Gone(node)
+    return box.y
+
+
 def shown_nodes():
     """What a reader is shown: showing objects, depth first, in the tree's order."""
     app = application()
@@ -113,7 +124,7 @@ def check_tree(step):
         time.sleep(0.5)
         try:
             return check_tree_once(step)
-        except GLib.Error:
+        except (GLib.Error, Gone):
             continue
     fail(step + ": the tree never settled")
 
@@ -134,7 +145,7 @@ def check_tree_once(step):
         if ({"Press", "Toggle"} & set(actions(node))) and not node.name.strip():
             fail(f"{step}: an unnamed {node.getRoleName()} can be acted on")
     # A list's rows come in the order they stand, top to bottom, as a reader goes through them.
-    rows = [extents(n).y for n in nodes if n.getRoleName() == "list item" and "Press" in actions(n)]
+    rows = [top(n) for n in nodes if n.getRoleName() == "list item" and "Press" in actions(n)]
     if rows != sorted(rows):
         fail(f"{step}: a list's rows are read out of their order on screen: {rows}")
     print(f"ok: {step} ({len(nodes)} objects shown)")
@@ -150,7 +161,7 @@ def type_text(value):
 
 def place_rows():
     rows = [n for n in shown_nodes() if n.getRoleName() == "list item" and "Press" in actions(n)]
-    return sorted(rows, key=lambda n: extents(n).y)
+    return sorted(rows, key=top)
 
 
 def open_card_of(row):
@@ -249,9 +260,10 @@ type_text("casa")
 wait_for("places matching the search", lambda: place_rows() and all("casa" in r.name.lower() for r in place_rows()[:3]))
 check_tree("search results")
 # The first place that has a phone number.
-for index in range(len(place_rows())):
-    saved = place_rows()[index].name.split(". ")[0]
-    open_card_of(place_rows()[index])
+for index in range(len(wait_for("the results", place_rows))):
+    row = wait_for("the results", place_rows)[index]
+    saved = row.name.split(". ")[0]
+    open_card_of(row)
     time.sleep(0.5)
     if find("push button", text("lugar_make_a_call")):
         break
