@@ -202,6 +202,7 @@ void BuscarViewController::listShown(bool empty)
         // A moment later, so the list's first frames have the cores.
         m_tabsRead = true;
         QTimer::singleShot(300, this, [this] {
+            m_restaurants.startIsOver();
             if (m_descubreVC)
                 m_descubreVC->reloadInBackground();
             if (m_ofertasVC)

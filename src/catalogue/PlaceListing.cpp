@@ -5,6 +5,8 @@
 #include "catalogue/SearchTerms.h"
 #include "platform/Database.h"
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -136,20 +138,7 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     listing->m_readAddressOffsets.push_back(listing->m_readAddresses.size());
     sortOffsets.push_back(sortText.size());
     const auto sortName = [&](int i) { return spanOf(sortText, sortOffsets, size_t(i)); };
-    // Ids are a catalogue's row ids: nearly always dense enough to look up in a vector.
-    int largest = 0;
-    for (const Place &place : listing->m_places)
-        largest = std::max(largest, place.id);
-    const bool dense = largest < 8 * int(listing->m_places.size()) + 1024
-        && std::all_of(listing->m_places.begin(), listing->m_places.end(), [](const Place &place) { return place.id >= 0; });
-    if (dense)
-        listing->m_denseIds.assign(size_t(largest) + 1, -1);
-    for (int i = 0; i < int(listing->m_places.size()); ++i) {
-        if (dense)
-            listing->m_denseIds[size_t(listing->m_places[size_t(i)].id)] = i;
-        else
-            listing->m_positions.insert(listing->m_places[size_t(i)].id, i);
-    }
+    listing->indexPositions();
 
     // Ranks by sort name (ties by id, so the order is the same on every run); a place without
     // a sort name has none and drops out of every list. Names share long beginnings
@@ -157,10 +146,26 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     // that decide nearly every comparison. A character past Latin-1 (or ÿ) packs as 255 and
     // ends the packing, so packed order never contradicts the names' order; names that pack
     // equal are compared whole.
+    //
+    // Section letters: few distinct ones, so each first character is upper-cased once. Each
+    // place's letter slot is found here, in the order the names were read (so the names stream
+    // through the cache), and put in order once the letters are known.
     constexpr qsizetype packedLength = 24;
     struct Keyed {
         std::array<quint64, packedLength / 8> prefix;
         int index;
+        int slot;
+    };
+    QStringList letterSlots;
+    QHash<QString, int> slotOfLetter;
+    std::vector<int> slotOfFirst(size_t(1) << 16, -1);
+    const auto slotOf = [&](const QString &letter) {
+        auto known = slotOfLetter.constFind(letter);
+        if (known == slotOfLetter.constEnd()) {
+            known = slotOfLetter.insert(letter, int(letterSlots.size()));
+            letterSlots.append(letter);
+        }
+        return *known;
     };
     std::vector<Keyed> order;
     order.reserve(listing->m_places.size());
@@ -168,15 +173,25 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
         const QStringView name = sortName(i);
         if (name.isEmpty())
             continue;
-        Keyed keyed{{}, i};
-        bool packing = true;
-        for (qsizetype c = 0; c < packedLength; ++c) {
-            quint64 byte = 0;
-            if (packing && c < name.size()) {
-                byte = std::min<quint64>(name.at(c).unicode(), 255);
-                packing = byte < 255;
+        Keyed keyed{{}, i, -1};
+        std::array<unsigned char, packedLength> bytes{};
+        const char16_t *chars = name.utf16();
+        for (qsizetype c = 0, end = std::min(name.size(), packedLength); c < end; ++c) {
+            if (chars[c] >= 255) {
+                bytes[size_t(c)] = 255;
+                break;
             }
-            keyed.prefix[size_t(c / 8)] = (keyed.prefix[size_t(c / 8)] << 8) | byte;
+            bytes[size_t(c)] = static_cast<unsigned char>(chars[c]);
+        }
+        for (size_t k = 0; k < keyed.prefix.size(); ++k)
+            keyed.prefix[k] = qFromBigEndian<quint64>(bytes.data() + 8 * k);
+        if (QChar::isHighSurrogate(chars[0])) {
+            keyed.slot = slotOf(sectionLetter(name));
+        } else {
+            int &known = slotOfFirst[chars[0]];
+            if (known < 0)
+                known = slotOf(sectionLetter(name));
+            keyed.slot = known;
         }
         order.push_back(keyed);
     }
@@ -188,33 +203,6 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
         return c != 0 ? c < 0 : listing->m_places[size_t(a.index)].id < listing->m_places[size_t(b.index)].id;
     });
 
-    // Section letters: few distinct ones, so each first character is upper-cased once and each
-    // place keeps the slotIndex of its letter until the letters are put in order.
-    QStringList letterSlots;
-    QHash<QString, int> slotOfLetter;
-    QHash<char16_t, int> slotOfFirst;
-    const auto slotOf = [&](const QString &letter) {
-        auto known = slotOfLetter.constFind(letter);
-        if (known == slotOfLetter.constEnd()) {
-            known = slotOfLetter.insert(letter, int(letterSlots.size()));
-            letterSlots.append(letter);
-        }
-        return *known;
-    };
-    std::vector<int> slotOfRank;
-    slotOfRank.reserve(order.size());
-    for (const Keyed &keyed : order) {
-        const QStringView name = sortName(keyed.index);
-        const char16_t first = name.at(0).unicode();
-        if (name.at(0).isHighSurrogate()) {
-            slotOfRank.push_back(slotOf(sectionLetter(name)));
-            continue;
-        }
-        auto known = slotOfFirst.constFind(first);
-        if (known == slotOfFirst.constEnd())
-            known = slotOfFirst.insert(first, slotOf(sectionLetter(name)));
-        slotOfRank.push_back(*known);
-    }
     QStringList distinct = letterSlots;
     std::sort(distinct.begin(), distinct.end());
     std::vector<int> letterOfSlot(size_t(letterSlots.size()));
@@ -225,10 +213,28 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     for (int rank = 0; rank < int(order.size()); ++rank) {
         Place &place = listing->m_places[size_t(order[size_t(rank)].index)];
         place.rank = rank;
-        place.letter = letterOfSlot[size_t(slotOfRank[size_t(rank)])];
+        place.letter = letterOfSlot[size_t(order[size_t(rank)].slot)];
         listing->m_byRank.push_back({place.id, place.letter});
     }
     return listing;
+}
+
+void PlaceListing::indexPositions()
+{
+    // Ids are a catalogue's row ids: nearly always dense enough to look up in a vector.
+    int largest = 0;
+    for (const Place &place : m_places)
+        largest = std::max(largest, place.id);
+    const bool dense = largest < 8 * int(m_places.size()) + 1024
+        && std::all_of(m_places.begin(), m_places.end(), [](const Place &place) { return place.id >= 0; });
+    if (dense)
+        m_denseIds.assign(size_t(largest) + 1, -1);
+    for (int i = 0; i < int(m_places.size()); ++i) {
+        if (dense)
+            m_denseIds[size_t(m_places[size_t(i)].id)] = i;
+        else
+            m_positions.insert(m_places[size_t(i)].id, i);
+    }
 }
 
 int PlaceListing::positionOf(int id) const
@@ -389,8 +395,11 @@ void PlaceListing::fold() const
         m_foldedNameOffsets.push_back(m_foldedNames.size());
         m_foldedAddressOffsets.push_back(m_foldedAddresses.size());
         // Only the strings made here are read from now on.
-        QString().swap(m_readAddresses);
-        std::vector<qsizetype>().swap(m_readAddressOffsets);
+        {
+            std::lock_guard lock(m_readAddressesMutex);
+            QString().swap(m_readAddresses);
+            std::vector<qsizetype>().swap(m_readAddressOffsets);
+        }
         m_grams = PlaceGrams(
             m_places.size(), [this](size_t i) { return foldedName(i); }, [this](size_t i) { return foldedAddress(i); });
     });

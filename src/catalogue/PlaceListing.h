@@ -27,6 +27,12 @@ class PlaceListing
 public:
     // Reads every place of the catalogue. Null, with `error` set, when the read fails.
     static std::shared_ptr<const PlaceListing> read(Database &db, QString &error);
+    // The listing as read() made it, kept in a file for the next start on the same catalogue.
+    // `stamp` names that catalogue: a file made for another one, of another format or damaged
+    // in any way loads as null. Saving fails once fold() has let the read addresses go; it is
+    // safe beside other threads' use.
+    static std::shared_ptr<const PlaceListing> load(const QString &file, const QByteArray &stamp);
+    bool save(const QString &file, const QByteArray &stamp) const;
 
     // The places of `ids` that have a sort name, in list order with their section letters:
     // by sort name when `text` is empty; else by letter, then closeness of the name to `text`
@@ -55,6 +61,8 @@ private:
         int letter = 0;  // index into m_letters
     };
     int positionOf(int id) const;
+    // Makes the lookup from place id to position.
+    void indexPositions();
     // A place's folded name and address, once folded.
     QStringView foldedName(size_t position) const;
     QStringView foldedAddress(size_t position) const;
@@ -72,9 +80,11 @@ private:
     // stream through the cache. Entry i spans [offsets[i], offsets[i + 1]).
     QString m_names;
     std::vector<qsizetype> m_nameOffsets;
-    // Addresses as read, the same way; let go once folded.
+    // Addresses as read, the same way; let go once folded (under the mutex, as a save may be
+    // reading them).
     mutable QString m_readAddresses;
     mutable std::vector<qsizetype> m_readAddressOffsets;
+    mutable std::mutex m_readAddressesMutex;
 
     mutable std::once_flag m_folded;
     // The names lower-cased, at the same offsets, and the letters each has (LetterMask).

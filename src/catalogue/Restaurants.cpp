@@ -436,7 +436,8 @@ bool Restaurants::readGeography(Database &db, Geography &geography, QString &rea
 
     // Table order, which is rowid order. Read without an order, SQLite takes the rows from the
     // covering filter index, a fraction of the table's pages (each one decrypted), and the
-    // order is then made here.
+    // order is then made here: rowids are nearly always dense, so each place goes to its
+    // rowid's slot; otherwise they are sorted.
     std::vector<std::array<qint64, 3>> places;
     const bool placesRead = read(QStringLiteral("SELECT rowid,id,county_id FROM restaurants"), [&](const ResultSet &row) {
         places.push_back({row.longForColumn(0), row.intForColumn(1), row.intForColumn(2)});
@@ -444,10 +445,26 @@ bool Restaurants::readGeography(Database &db, Geography &geography, QString &rea
     });
     if (!placesRead)
         return false;
-    std::sort(places.begin(), places.end());
     geography.placesInOrder.reserve(qsizetype(places.size()));
-    for (const auto &[rowid, id, municipality] : places)
-        geography.placesInOrder.append({int(id), int(municipality)});
+    qint64 largest = 0;
+    bool dense = true;
+    for (const auto &place : places) {
+        largest = std::max(largest, place[0]);
+        dense = dense && place[0] >= 0;
+    }
+    dense = dense && largest < 4 * qint64(places.size()) + 1024;
+    if (dense) {
+        std::vector<int> atRowid(size_t(largest) + 1, -1);
+        for (size_t i = 0; i < places.size(); ++i)
+            atRowid[size_t(places[i][0])] = int(i);
+        for (const int i : atRowid)
+            if (i >= 0)
+                geography.placesInOrder.append({int(places[size_t(i)][1]), int(places[size_t(i)][2])});
+    } else {
+        std::sort(places.begin(), places.end());
+        for (const auto &[rowid, id, municipality] : places)
+            geography.placesInOrder.append({int(id), int(municipality)});
+    }
 
     // Offers and promotions are optional tables; once a table is there, a failed read is damage.
     const auto readPlaceColumn = [&](const QString &table, QList<int> &into) {
@@ -469,6 +486,7 @@ void Restaurants::commitGeography(const Geography &geography)
         m_mun_to_prov.insert(it.key(), it.value());
     for (auto it = geography.provinces.begin(); it != geography.provinces.end(); ++it)
         m_provinces.insert(it.key(), it.value());
+    m_rid_to_mun.reserve(m_rid_to_mun.size() + geography.placesInOrder.size());
     for (const auto &[placeId, municipalityId] : geography.placesInOrder) {
         const auto province = geography.munToProv.constFind(municipalityId);
         if (province == geography.munToProv.constEnd())

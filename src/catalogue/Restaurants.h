@@ -15,13 +15,15 @@
 #include <QList>
 #include <QMap>
 #include <QMutex>
-#include <mutex>
 #include <QSet>
 #include <QString>
 
+#include <condition_variable>
 #include <filesystem>
 #include <functional>
+#include <future>
 #include <memory>
+#include <mutex>
 #include <tuple>
 #include <optional>
 #include <thread>
@@ -172,6 +174,10 @@ public:
     virtual void openSearchIndex(bool rebuild);
     // Returns once no build of the index, nor reading of the listing, is under way.
     void waitForSearchIndex();
+    // The start is over: the first list is on screen. Background work that can wait (folding the
+    // listing for search, keeping it for the next start, building the search index) waits for
+    // this, or for a few seconds at most, so that the start has the cores.
+    void startIsOver();
     std::shared_ptr<DatabaseQueue> ftsQueue() const;
 
     // The search screen's three steps, safe from any thread: places matching free text (each
@@ -206,6 +212,9 @@ private:
         bool operator==(const FileStamp &) const = default;
     };
     static FileStamp stampOf(const QString &path);
+    // What tells the listing kept for a catalogue file from one kept for any other; empty when
+    // the file can't be read.
+    static QByteArray listingStamp(const QString &path);
     struct OpenedCandidate;
 
     std::vector<OpenedCandidate> scanCandidates(bool keepConnections) const;
@@ -267,8 +276,10 @@ private:
     mutable std::mutex m_listMutex; // one reader of the listing at a time
     mutable std::shared_ptr<const PlaceListing> m_listing;
     mutable quint64 m_listingGeneration = 0;
-    // Read from a file before it was taken into use: the listing of that path, once it is.
-    mutable std::pair<QString, std::shared_ptr<const PlaceListing>> m_aheadListing;
+    // Read from a file before it was taken into use: the listing of that path, once it is. Set
+    // before the read starts, so that whoever asks for the listing meanwhile waits for that read
+    // rather than making one of its own.
+    mutable std::pair<QString, std::shared_future<std::shared_ptr<const PlaceListing>>> m_aheadListing;
 
     FifoCache<Brief> m_briefCache;
     // Bounded by bytes: scrolling a province of 35,000 places would otherwise keep every picture.
@@ -276,6 +287,14 @@ private:
     FifoCache<QByteArray> m_galleryImageCache{11};
     FifoCache<QByteArray> m_adImageCache{10};
     FifoCache<QByteArray> m_promoImageCache{12};
+
+    // The background work above waits here for the start to be over.
+    void waitForTheStart();
+    // Joins one of the threads below, if it runs.
+    void join(std::thread &thread);
+    std::mutex m_startMutex;
+    std::condition_variable m_startChanged;
+    bool m_startOver = false;
 
     std::mutex m_indexThreadMutex;
     std::thread m_indexBuild; // the index being built; reads the fields above

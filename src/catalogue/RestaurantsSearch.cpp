@@ -9,9 +9,11 @@
 #include "platform/DatabaseQueue.h"
 #include "platform/Logging.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <algorithm>
+#include <chrono>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -112,8 +114,7 @@ void Restaurants::openSearchIndex(bool rebuild)
     // One build at a time: a new request waits for the one under way.
     {
         std::lock_guard threadLock(m_indexThreadMutex);
-        if (m_indexBuild.joinable())
-            m_indexBuild.join();
+        join(m_indexBuild);
     }
     const QString path = m_env.caches + QStringLiteral("/fts.db");
     if (rebuild)
@@ -151,8 +152,9 @@ void Restaurants::openSearchIndex(bool rebuild)
     std::lock_guard threadLock(m_indexThreadMutex);
     m_indexBuild = std::thread([this, index, cataloguePath, version = *version, generation] {
         // The first list needs the listing more than search needs the index: on a phone's few
-        // cores the build waits for it rather than share them with it.
+        // cores the build waits for it, and for the start to be over, rather than share them.
         placeListing();
+        waitForTheStart();
         if (buildSearchIndex(*index, cataloguePath, version)) {
             std::lock_guard lock(m_mutex);
             if (m_generation == generation)
@@ -206,36 +208,90 @@ bool Restaurants::buildSearchIndex(DatabaseQueue &index, const QString &catalogu
     return built;
 }
 
+void Restaurants::startIsOver()
+{
+    {
+        std::lock_guard lock(m_startMutex);
+        m_startOver = true;
+    }
+    m_startChanged.notify_all();
+}
+
+void Restaurants::waitForTheStart()
+{
+    // A start that never shows a list (the first run's steps, the subscription screen) lets
+    // the work go on after a while all the same.
+    constexpr auto longestStart = std::chrono::seconds(3);
+    std::unique_lock lock(m_startMutex);
+    m_startChanged.wait_for(lock, longestStart, [this] { return m_startOver; });
+}
+
+void Restaurants::join(std::thread &thread)
+{
+    // Whoever joins background work has no start to leave the cores to: work still waiting for
+    // the start to end goes on at once.
+    if (!thread.joinable())
+        return;
+    startIsOver();
+    thread.join();
+}
+
 void Restaurants::waitForSearchIndex()
 {
     std::lock_guard lock(m_indexThreadMutex);
-    for (std::thread *thread : {&m_indexBuild, &m_listingRead})
-        if (thread->joinable())
-            thread->join();
+    join(m_indexBuild);
+    join(m_listingRead);
 }
 
 void Restaurants::readListingAhead(const QString &path)
 {
     // The first list asks for the listing at once. Reading it from the newest file while that
     // file is still being checked and loaded, and while the window is being made, lets the list
-    // find it ready; if the file is refused the read is simply not used.
+    // find it ready; if the file is refused the read is simply not used. A start on the same
+    // catalogue as the one before takes the listing that start kept.
     std::lock_guard lock(m_indexThreadMutex);
-    if (m_listingRead.joinable())
-        m_listingRead.join();
-    m_listingRead = std::thread([this, path] {
+    join(m_listingRead);
+    std::promise<std::shared_ptr<const PlaceListing>> read;
+    {
+        std::lock_guard listLock(m_listMutex);
+        m_aheadListing = {path, read.get_future().share()};
+    }
+    m_listingRead = std::thread([this, path, read = std::move(read)]() mutable {
+        const QString kept = m_env.caches.isEmpty() ? QString() : m_env.caches + QStringLiteral("/listing.bin");
+        const QByteArray stamp = kept.isEmpty() ? QByteArray() : listingStamp(path);
         std::shared_ptr<const PlaceListing> listing;
-        {
-            std::lock_guard listLock(m_listMutex);
-            QString error;
+        bool keptBefore = false;
+        if (!stamp.isEmpty())
+            keptBefore = bool(listing = PlaceListing::load(kept, stamp));
+        QString error;
+        if (!listing)
             listing = readListing(path, error);
-            m_aheadListing = {path, listing};
-        }
+        read.set_value(listing);
         // Folding is for the first search; a search asked before it ends folds at its own pace.
         yieldToTheWindow();
+        waitForTheStart();
+        // Kept before folding lets the addresses go.
+        if (listing && !keptBefore && !stamp.isEmpty() && QDir().mkpath(m_env.caches) && !listing->save(kept, stamp))
+            qCInfo(lcSearch) << "The listing could not be kept in" << kept;
         if (listing)
             listing->fold();
         releaseFreedMemory();
     });
+}
+
+QByteArray Restaurants::listingStamp(const QString &path)
+{
+    // Its size, its time to the nanosecond and the random salt it begins with tell one
+    // catalogue file from any other, and from itself once changed.
+    const FileStamp file = stampOf(path);
+    QFile catalogue(path);
+    if (file.size < 0 || !catalogue.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray stamp = catalogue.read(16);
+    const qint64 modified = qint64(file.modified.time_since_epoch().count());
+    stamp.append(reinterpret_cast<const char *>(&file.size), sizeof file.size);
+    stamp.append(reinterpret_cast<const char *>(&modified), sizeof modified);
+    return stamp;
 }
 
 std::shared_ptr<const PlaceListing> Restaurants::readListing(const QString &path, QString &error)
@@ -243,8 +299,9 @@ std::shared_ptr<const PlaceListing> Restaurants::readListing(const QString &path
     // A connection of its own (keyed from the derived key), so that screens' reads don't wait.
     // Used by this thread alone.
     Database source(path);
-    if (source.openWithFlags(Database::ReadOnly | Database::OneThread) && source.setKey(dbkey))
+    if (source.openWithFlags(Database::ReadOnly | Database::OneThread) && source.setKey(dbkey)) {
         return PlaceListing::read(source, error);
+    }
     error = source.lastErrorMessage();
     return nullptr;
 }
@@ -266,9 +323,9 @@ std::shared_ptr<const PlaceListing> Restaurants::placeListing() const
     QString error;
     // A listing read ahead from a file that was then refused is let go here.
     auto ahead = std::exchange(m_aheadListing, {});
-    if (ahead.first == catalogue->path() && ahead.second)
-        listing = std::move(ahead.second);
-    else
+    if (ahead.first == catalogue->path() && ahead.second.valid())
+        listing = ahead.second.get();
+    if (!listing)
         listing = readListing(catalogue->path(), error);
     if (!listing) {
         qCCritical(lcCatalogue) << "Damaged catalogue: reading sort names failed:" << error;

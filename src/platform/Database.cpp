@@ -5,6 +5,8 @@
 #include "platform/DerivedKeys.h"
 #include "platform/Logging.h"
 
+#include "platform/ReadAheadVfs.h"
+
 #include <sqlcipher/sqlite3.h>
 
 std::atomic<int> Database::s_keyedConnections{0};
@@ -71,7 +73,9 @@ bool Database::openWithFlags(int flags)
     configureOnce();
     const QByteArray path = m_path.toUtf8();
     sqlite3 *db = nullptr;
-    const int rc = sqlite3_open_v2(path.constData(), &db, (flags & OneThread) ? flags : flags | SQLITE_OPEN_FULLMUTEX, nullptr);
+    // Read-only files are read ahead once read in order (a table scan).
+    const int rc = sqlite3_open_v2(path.constData(), &db, (flags & OneThread) ? flags : flags | SQLITE_OPEN_FULLMUTEX,
+                                   (flags & ReadOnly) ? ReadAheadVfs::name() : nullptr);
     if (rc != SQLITE_OK) {
         m_lastErrorCode = rc;
         m_lastError = db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(sqlite3_errstr(rc));

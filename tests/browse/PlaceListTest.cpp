@@ -206,9 +206,10 @@ TEST(PlaceList, RowsOnScreenFollowEveryListAfewCardsATurn)
         list.showSections(groupIntoSections(entries));
         EXPECT_LE(toldOnScreen, 1) << "round " << round << ": cards on screen changed at once";
         // Now and then the next list comes before this one's turns are over.
-        if (random() % 2 != 0)
+        if (random() % 2 != 0) {
             ASSERT_TRUE(QTest::qWaitFor([&] { return showing(ids); }, 2000))
                 << "round " << round << ": " << shown.size() << " rows shown of " << ids.size();
+        }
         previous = ids;
     }
     ASSERT_TRUE(QTest::qWaitFor([&] { return showing(previous); }, 2000));

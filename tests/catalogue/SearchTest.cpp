@@ -7,6 +7,10 @@
 #include "platform/DatabaseQueue.h"
 #include "platform/UserDefaults.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -308,8 +312,9 @@ TEST(Search, ListingOrderIsTheOrderOfWholeNames)
     CatalogueFixture fixture = searchFixture();
     fixture.places.clear();
     for (int id = 1; id <= 400; ++id) {
-        // Most names share their first fifteen characters, some are shorter than that.
-        QString name = id % 10 == 0 ? QString() : QStringLiteral("restaurante la ");
+        // Most names share their first fifteen characters, some are shorter than that, and the
+        // rest begin with any character (their sections).
+        QString name = id % 10 == 0 || id % 3 == 0 ? QString() : QStringLiteral("restaurante la ");
         for (int length = 1 + int(random() % 12); length > 0; --length)
             name += parts.at(int(random() % unsigned(parts.size())));
         fixture.places.append({id, name, name, 10, 2, 0, QStringLiteral("Obispo"), std::nullopt});
@@ -326,7 +331,110 @@ TEST(Search, ListingOrderIsTheOrderOfWholeNames)
     std::stable_sort(expected.begin(), expected.end(), [&](int a, int b) {
         return QString::compare(fixture.places.at(a - 1).search_name, fixture.places.at(b - 1).search_name) < 0;
     });
-    EXPECT_EQ(idsOf(restaurants.sortedEntries(all, QString())), expected);
+    const QList<SortedEntry> listed = restaurants.sortedEntries(all, QString());
+    EXPECT_EQ(idsOf(listed), expected);
+    // Each in the section of its first character, upper-cased (a pair of surrogates is one).
+    for (const SortedEntry &entry : listed) {
+        const QString name = fixture.places.at(entry.id - 1).search_name;
+        EXPECT_EQ(entry.letter, name.left(name.at(0).isHighSurrogate() ? 2 : 1).toUpper()) << name.toStdString();
+    }
+}
+
+// Catches a listing kept for the next start that lists otherwise than the one read from the
+// catalogue (order, sections, free text in names and addresses), one taken for another
+// catalogue, a damaged or cut file taken at all, and one saved without its addresses.
+TEST(Search, AKeptListingListsAsTheOneRead)
+{
+    TestHome home;
+    CatalogueFixture fixture = searchFixture();
+    fixture.places.append({9, QStringLiteral("🍷 Vinos"), QStringLiteral("🍷 vinos"), 10, 2, 0, QStringLiteral("Calle Ñandú 3"), std::nullopt});
+    home.addCatalogue(fixture, QStringLiteral("velmora-20170101.db"));
+    Restaurants restaurants(home.environment());
+    const auto readListing = [&] {
+        std::shared_ptr<const PlaceListing> listing;
+        restaurants.dbq()->inDatabase([&](Database &db) {
+            QString error;
+            listing = PlaceListing::read(db, error);
+        });
+        return listing;
+    };
+    const std::shared_ptr<const PlaceListing> listing = readListing();
+    ASSERT_TRUE(listing);
+    const QString file = home.caches() + QStringLiteral("/kept.bin");
+    ASSERT_TRUE(QDir().mkpath(home.caches()));
+    ASSERT_TRUE(listing->save(file, "catalogue A"));
+    const std::shared_ptr<const PlaceListing> kept = PlaceListing::load(file, "catalogue A");
+    ASSERT_TRUE(kept);
+    QSet<int> all;
+    for (const auto &place : fixture.places)
+        all.insert(place.id);
+    for (const QString &text : {QString(), QStringLiteral("b"), QStringLiteral("medio"), QStringLiteral("🍷"), QStringLiteral("xq")})
+        EXPECT_EQ(kept->sorted(all, text), listing->sorted(all, text)) << text.toStdString();
+    for (const QString &text : {QStringLiteral("bode"), QStringLiteral("obispo"), QStringLiteral("nandu"), QStringLiteral("empedrado 20")})
+        EXPECT_EQ(kept->matching(text), listing->matching(text)) << text.toStdString();
+
+    EXPECT_FALSE(PlaceListing::load(file, "catalogue B"));
+    QFile stored(file);
+    ASSERT_TRUE(stored.open(QIODevice::ReadOnly));
+    const QByteArray bytes = stored.readAll();
+    stored.close();
+    const auto loadsFrom = [&](const QByteArray &content) {
+        QFile damaged(file);
+        EXPECT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        damaged.write(content);
+        damaged.close();
+        return bool(PlaceListing::load(file, "catalogue A"));
+    };
+    for (const qsizetype length : {qsizetype(0), qsizetype(3), qsizetype(9), bytes.size() / 2, bytes.size() - 1})
+        EXPECT_FALSE(loadsFrom(bytes.left(length))) << "cut at " << length;
+    EXPECT_FALSE(loadsFrom(bytes + '\0'));
+    for (qsizetype at = 0; at < bytes.size(); at += 1 + bytes.size() / 60) {
+        QByteArray flipped = bytes;
+        flipped[at] = char(flipped[at] ^ 0x10);
+        EXPECT_FALSE(loadsFrom(flipped)) << "byte " << at;
+    }
+    EXPECT_TRUE(loadsFrom(bytes));
+
+    // Folding lets the addresses go: a save after it would keep a listing that finds none.
+    const std::shared_ptr<const PlaceListing> folded = readListing();
+    folded->fold();
+    EXPECT_FALSE(folded->save(file, "catalogue A"));
+}
+
+// Catches a start taking the listing kept for an earlier catalogue of the same name, and the
+// kept listing never being taken (each start then reads the whole catalogue again).
+TEST(Search, AStartTakesTheListingKeptForItsCatalogueAlone)
+{
+    TestHome home;
+    CatalogueFixture first = searchFixture();
+    home.addCatalogue(first, QStringLiteral("velmora-20170101.db"));
+    QSet<int> all;
+    for (const auto &place : first.places)
+        all.insert(place.id);
+    const auto listedAtStart = [&](int *keyedConnections) {
+        const int before = Database::keyedConnectionCount();
+        Restaurants restaurants(home.environment());
+        const QList<int> listed = idsOf(restaurants.sortedEntries(all, QString()));
+        restaurants.waitForSearchIndex();
+        if (keyedConnections)
+            *keyedConnections = Database::keyedConnectionCount() - before;
+        return listed;
+    };
+    const QList<int> expected = {7, 8, 4, 2, 1, 3, 5};
+    EXPECT_EQ(listedAtStart(nullptr), expected);
+    ASSERT_TRUE(QFileInfo::exists(home.caches() + QStringLiteral("/listing.bin")));
+    int keptStart = 0;
+    EXPECT_EQ(listedAtStart(&keptStart), expected);
+    ASSERT_TRUE(QFile::remove(home.caches() + QStringLiteral("/listing.bin")));
+    int readStart = 0;
+    EXPECT_EQ(listedAtStart(&readStart), expected);
+    EXPECT_EQ(readStart - keptStart, 1) << "the kept listing saves reading the catalogue once";
+
+    // The same file name, other places in it: a newer export copied over the old one.
+    CatalogueFixture second = first;
+    second.places[7].search_name = QStringLiteral("zz bodega vieja");
+    home.addCatalogue(second, QStringLiteral("velmora-20170101.db"));
+    EXPECT_EQ(listedAtStart(nullptr), (QList<int>{7, 4, 2, 1, 3, 5, 8}));
 }
 
 // Catches: a name holding the typed text in another case not put first, a character taken for
