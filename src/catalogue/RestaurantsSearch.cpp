@@ -152,9 +152,12 @@ void Restaurants::openSearchIndex(bool rebuild)
     std::lock_guard threadLock(m_indexThreadMutex);
     m_indexBuild = std::thread([this, index, cataloguePath, version = *version, generation] {
         // The first list needs the listing more than search needs the index: on a phone's few
-        // cores the build waits for it, and for the start to be over, rather than share them.
+        // cores the build waits for it, and for the start to be over, rather than share them;
+        // and it gives way to the window after that (until it is done, a search scans the
+        // listing in memory for the same places).
         placeListing();
         waitForTheStart();
+        yieldToTheWindow();
         if (buildSearchIndex(*index, cataloguePath, version)) {
             std::lock_guard lock(m_mutex);
             if (m_generation == generation)
