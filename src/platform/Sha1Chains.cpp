@@ -35,17 +35,11 @@ SHA_TARGET Lanes compress(const Lanes &state, __m128i w0, __m128i w1, __m128i w2
     abcd = _mm_sha1rnds4_epu32(abcd, e0, 0); // 8-11
     w1 = _mm_sha1msg1_epu32(w1, w2);
     w0 = _mm_xor_si128(w0, w2);
-    e1 = _mm_sha1nexte_epu32(e1, w3);
-    e0 = abcd;
-    w0 = _mm_sha1msg2_epu32(w0, w3);
-    abcd = _mm_sha1rnds4_epu32(abcd, e1, 0); // 12-15
-    w2 = _mm_sha1msg1_epu32(w2, w3);
-    w1 = _mm_xor_si128(w1, w3);
 
-    // Rounds 16-67 follow one pattern, the message words taking turns.
+    // Rounds 12-67 follow one pattern, four at a time, the message words taking turns.
     __m128i *w[4] = {&w0, &w1, &w2, &w3};
-#pragma GCC unroll 13
-    for (int group = 4; group < 17; ++group) {
+#pragma GCC unroll 14
+    for (int group = 3; group < 17; ++group) {
         __m128i &current = *w[group % 4];
         __m128i &next = *w[(group + 1) % 4];
         __m128i &after = *w[(group + 2) % 4];
