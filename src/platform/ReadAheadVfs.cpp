@@ -112,6 +112,10 @@ int fileDeviceCharacteristics(sqlite3_file *file) { return realMethods(file)->xD
 
 int fileShmMap(sqlite3_file *file, int page, int size, int extend, void volatile **out)
 {
+    // A database in WAL mode keeps its lock from one read transaction to the next, so what was
+    // read ahead would outlive a checkpoint: such a file is read as it is asked for.
+    mine(file)->buffered = false;
+    forget(mine(file));
     return realMethods(file)->iVersion >= 2 ? realMethods(file)->xShmMap(mine(file)->real, page, size, extend, out) : SQLITE_IOERR;
 }
 int fileShmLock(sqlite3_file *file, int offset, int n, int flags)
