@@ -121,15 +121,20 @@ bool Measurement::start(const MeasurementConfiguration &configuration, QString *
     m_dispatcher->moveToThread(m_thread);
     m_thread->start();
     m_dispatcher->setUp();
-
-    if (QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability)) {
-        BatchingDispatcher *dispatcher = m_dispatcher;
-        connect(QNetworkInformation::instance(), &QNetworkInformation::reachabilityChanged, this,
-                [dispatcher](QNetworkInformation::Reachability reachability) {
-                    dispatcher->setHostReachable(reachability != QNetworkInformation::Reachability::Disconnected);
-                });
-    }
     return true;
+}
+
+void Measurement::watchReachability()
+{
+    if (!m_dispatcher || m_watchingReachability
+        || !QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability))
+        return;
+    m_watchingReachability = true;
+    BatchingDispatcher *dispatcher = m_dispatcher;
+    connect(QNetworkInformation::instance(), &QNetworkInformation::reachabilityChanged, this,
+            [dispatcher](QNetworkInformation::Reachability reachability) {
+                dispatcher->setHostReachable(reachability != QNetworkInformation::Reachability::Disconnected);
+            });
 }
 
 void Measurement::setOptOut(bool optOut)

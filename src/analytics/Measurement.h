@@ -36,6 +36,10 @@ public:
     // the configuration can't work (the tracker then drops what it is given).
     bool start(const MeasurementConfiguration &configuration, QString *error);
     bool isStarted() const { return m_dispatcher != nullptr; }
+    // Holds the dispatcher's sending while the network is down. Apart from start(): the
+    // reachability backend's plugins and bus connection are worth keeping off the first frame,
+    // and until then the dispatcher takes the network to be there.
+    void watchReachability();
 
     TrackerImpl &defaultTracker() { return m_tracker; }
     BatchingDispatcher *dispatcher() const { return m_dispatcher; }
@@ -58,6 +62,7 @@ private:
     void queueModel(const HitParameters &hit);
 
     TrackerImpl m_tracker;
+    bool m_watchingReachability = false;
     bool m_optOut = false;
     QThread *m_thread = nullptr;
     BatchingDispatcher *m_dispatcher = nullptr;

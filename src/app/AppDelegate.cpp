@@ -36,13 +36,13 @@
 #include <QGuiApplication>
 #include <QSysInfo>
 #include <QPointer>
+#include <QTimer>
 
 namespace {
 // The fortune sheet rises from the bottom over a reddish dim ("#7f1616dd"), for a shake and an ad's tip.
 const Presentation fortunePresentation{Presentation::Edge::Bottom, 0, QColor(0x7f, 0x16, 0x16, 0xdd), 250};
-}
-
-namespace {
+// How long after launch the start is taken to have settled (see startSettled).
+constexpr int startSettlesMs = 1000;
 QPointer<AppDelegate> globalDelegate;
 }
 
@@ -97,10 +97,11 @@ bool AppDelegate::didFinishLaunching()
     // names in when it was made, so texts and names agree from the first frame.
     Localize::loadCurrentLanguage();
 
-    // Update monitoring starts in every case, with or without a catalogue.
+    // Update monitoring starts in every case, with or without a catalogue, once the start has
+    // settled (see startSettled).
     m_updateChecker = new UpdateChecker(defaults, m_restaurants, this);
     m_serviceCenter = new ServiceCenter(*m_updateChecker, this);
-    m_updateChecker->startMonitoring();
+    QTimer::singleShot(startSettlesMs, this, &AppDelegate::startSettled);
     // Made at start, so that a transfer an earlier run left behind goes on and ends where it should.
     ServiceCenter *center = m_serviceCenter;
     m_downloader = new Downloader(m_restaurants, defaults, *m_updateChecker, [center] { return center->updateURLs(); },
@@ -228,9 +229,31 @@ void AppDelegate::loadFortunes()
     m_fortunesViewController = qobject_cast<FortunesViewController *>(
         Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("fortunes-view-controller"), this));
     m_fortunes.loadFile(QStringLiteral(":/fortunes.json"));
-    auto *detector = new ShakeDetector(this);
-    connect(detector, &ShakeDetector::shaken, this, &AppDelegate::shaken);
+    m_shakesWanted = true;
+    if (m_startSettled)
+        watchShakes();
     NotificationCenter::defaultCenter().addObserver(this, Notifications::VelmoraShake, [this](const QVariant &) { shaken(); });
+}
+
+void AppDelegate::startSettled()
+{
+    // Loading the reachability backend, the sensor plugins and their bus connections takes
+    // milliseconds the first frame would otherwise wait for. Nothing is lost meanwhile: the
+    // analytics dispatcher takes the network to be there, a check a second later finds what a
+    // check now would, and nobody shakes a phone in its first second.
+    m_startSettled = true;
+    Measurement::sharedInstance().watchReachability();
+    m_updateChecker->startMonitoring();
+    if (m_shakesWanted)
+        watchShakes();
+}
+
+void AppDelegate::watchShakes()
+{
+    if (m_shakeDetector)
+        return;
+    m_shakeDetector = new ShakeDetector(this);
+    connect(m_shakeDetector, &ShakeDetector::shaken, this, &AppDelegate::shaken);
 }
 
 bool AppDelegate::escapePressed()

@@ -109,6 +109,10 @@ signals:
 private:
     void setRoot(const QString &root);
     void loadFortunes();
+    // What waits for the start to settle: the network's reachability, update monitoring and the
+    // shake sensor, each of which loads plugins and may connect to the system bus.
+    void startSettled();
+    void watchShakes();
     void showFortunesVCOnTopOf(NavigationController *navigation);
     void followPendingLink();
 
@@ -128,6 +132,9 @@ private:
     Downloader *m_downloader = nullptr;
     Fortunes m_fortunes;
     class FortunesViewController *m_fortunesViewController = nullptr;
+    bool m_startSettled = false;
+    bool m_shakesWanted = false;
+    class ShakeDetector *m_shakeDetector = nullptr;
 
 public:
     UpdateChecker *updateChecker() const { return m_updateChecker; }

@@ -69,7 +69,7 @@ struct Restaurants::OpenedCandidate {
 struct Restaurants::Geography {
     QMap<int, std::shared_ptr<Province>> provinces;
     QHash<int, int> munToProv;
-    QList<QPair<int, int>> placesInOrder; // (place id, municipality id)
+    std::vector<PlaceMunicipalities::Entry> placesInOrder; // in table order
     QList<int> offerPlaces;
     QList<int> promoPlaces;
 };
@@ -445,7 +445,7 @@ bool Restaurants::readGeography(Database &db, Geography &geography, QString &rea
     });
     if (!placesRead)
         return false;
-    geography.placesInOrder.reserve(qsizetype(places.size()));
+    geography.placesInOrder.reserve(places.size());
     qint64 largest = 0;
     bool dense = true;
     for (const auto &place : places) {
@@ -459,11 +459,11 @@ bool Restaurants::readGeography(Database &db, Geography &geography, QString &rea
             atRowid[size_t(places[i][0])] = int(i);
         for (const int i : atRowid)
             if (i >= 0)
-                geography.placesInOrder.append({int(places[size_t(i)][1]), int(places[size_t(i)][2])});
+                geography.placesInOrder.emplace_back(int(places[size_t(i)][1]), int(places[size_t(i)][2]));
     } else {
         std::sort(places.begin(), places.end());
         for (const auto &[rowid, id, municipality] : places)
-            geography.placesInOrder.append({int(id), int(municipality)});
+            geography.placesInOrder.emplace_back(int(id), int(municipality));
     }
 
     // Offers and promotions are optional tables; once a table is there, a failed read is damage.
@@ -486,15 +486,23 @@ void Restaurants::commitGeography(const Geography &geography)
         m_mun_to_prov.insert(it.key(), it.value());
     for (auto it = geography.provinces.begin(); it != geography.provinces.end(); ++it)
         m_provinces.insert(it.key(), it.value());
-    m_rid_to_mun.reserve(m_rid_to_mun.size() + geography.placesInOrder.size());
+    // Each municipality's province is looked up once, not at every place; null when the
+    // catalogue names no such province.
+    QHash<int, Province *> provinceOf;
+    provinceOf.reserve(geography.munToProv.size());
+    for (auto it = geography.munToProv.begin(); it != geography.munToProv.end(); ++it)
+        provinceOf.insert(it.key(), geography.provinces.value(it.value()).get());
+    std::vector<PlaceMunicipalities::Entry> placed;
+    placed.reserve(geography.placesInOrder.size());
     for (const auto &[placeId, municipalityId] : geography.placesInOrder) {
-        const auto province = geography.munToProv.constFind(municipalityId);
-        if (province == geography.munToProv.constEnd())
+        const auto province = provinceOf.constFind(municipalityId);
+        if (province == provinceOf.constEnd())
             continue; // a place in an unknown municipality is left out
-        if (const auto target = geography.provinces.value(*province))
-            target->restaurants.append(placeId);
-        m_rid_to_mun.insert(placeId, municipalityId);
+        if (*province)
+            (*province)->restaurants.append(placeId);
+        placed.emplace_back(placeId, municipalityId);
     }
+    m_rid_to_mun.overlay(std::move(placed));
     const auto flag = [this](const QList<int> &places, bool Province::*field) {
         for (int placeId : places)
             if (const auto provinceId = provinceOfRestaurantLocked(placeId))
@@ -674,8 +682,8 @@ std::optional<int> Restaurants::provinceOfRestaurant(int placeId) const
 
 std::optional<int> Restaurants::provinceOfRestaurantLocked(int placeId) const
 {
-    const auto municipality = m_rid_to_mun.constFind(placeId);
-    if (municipality == m_rid_to_mun.constEnd())
+    const std::optional<int> municipality = m_rid_to_mun.of(placeId);
+    if (!municipality)
         return std::nullopt;
     const auto province = m_mun_to_prov.constFind(*municipality);
     return province == m_mun_to_prov.constEnd() ? std::nullopt : std::optional<int>(*province);

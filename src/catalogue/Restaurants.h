@@ -5,6 +5,7 @@
 #include "catalogue/LocalizableTable.h"
 #include "catalogue/PatchDelegate.h"
 #include "catalogue/PlaceCuisines.h"
+#include "catalogue/PlaceMunicipalities.h"
 #include "catalogue/Province.h"
 #include "catalogue/Records.h"
 #include "catalogue/VerificationResult.h"
@@ -232,6 +233,10 @@ private:
     std::shared_ptr<const PlaceListing> placeListing() const;
     void readListingAhead(const QString &path);
     static std::shared_ptr<const PlaceListing> readListing(const QString &path, QString &error);
+    // Background work waits here for the start to be over.
+    void waitForTheStart();
+    // Joins one of the background threads, if it runs, letting its wait for the start go first.
+    void join(std::thread &thread);
     std::optional<int> provinceOfRestaurantLocked(int placeId) const;
     enum class OnFailure { Damage, Quiet };
     QByteArray cachedImage(FifoCache<QByteArray> &cache, int id, const QString &sql, OnFailure onFailure);
@@ -245,7 +250,7 @@ private:
     std::shared_ptr<DatabaseQueue> m_dbq;
     QMap<int, std::shared_ptr<Province>> m_provinces;
     QHash<int, int> m_mun_to_prov;
-    QHash<int, int> m_rid_to_mun;
+    PlaceMunicipalities m_rid_to_mun;
     // Shared, so a filter can read it outside the lock while a load replaces it.
     std::shared_ptr<const PlaceCuisines> m_rest_cuisines = std::make_shared<PlaceCuisines>();
     QString m_databasePath;
@@ -288,10 +293,7 @@ private:
     FifoCache<QByteArray> m_adImageCache{10};
     FifoCache<QByteArray> m_promoImageCache{12};
 
-    // The background work above waits here for the start to be over.
-    void waitForTheStart();
-    // Joins one of the threads below, if it runs.
-    void join(std::thread &thread);
+    // The background work above waits on these for the start to be over.
     std::mutex m_startMutex;
     std::condition_variable m_startChanged;
     bool m_startOver = false;

@@ -7,6 +7,7 @@
 #include "catalogue/SearchTerms.h"
 #include "platform/Database.h"
 #include "platform/DatabaseQueue.h"
+#include "platform/DerivedKeys.h"
 #include "platform/Logging.h"
 
 #include <QDir>
@@ -287,10 +288,10 @@ QByteArray Restaurants::listingStamp(const QString &path)
     // Its size, its time to the nanosecond and the random salt it begins with tell one
     // catalogue file from any other, and from itself once changed.
     const FileStamp file = stampOf(path);
-    QFile catalogue(path);
-    if (file.size < 0 || !catalogue.open(QIODevice::ReadOnly))
+    const std::optional<QByteArray> salt = DerivedKeys::saltOf(path);
+    if (file.size < 0 || !salt)
         return {};
-    QByteArray stamp = catalogue.read(16);
+    QByteArray stamp = *salt;
     const qint64 modified = qint64(file.modified.time_since_epoch().count());
     stamp.append(reinterpret_cast<const char *>(&file.size), sizeof file.size);
     stamp.append(reinterpret_cast<const char *>(&modified), sizeof modified);
@@ -300,9 +301,11 @@ QByteArray Restaurants::listingStamp(const QString &path)
 std::shared_ptr<const PlaceListing> Restaurants::readListing(const QString &path, QString &error)
 {
     // A connection of its own (keyed from the derived key), so that screens' reads don't wait.
-    // Used by this thread alone.
+    // Used by this thread alone. The read passes over each page once: a page cache of a few
+    // pages stays in the processor's own cache, where SQLite's usual 2 MB would only be filled.
     Database source(path);
-    if (source.openWithFlags(Database::ReadOnly | Database::OneThread) && source.setKey(dbkey)) {
+    if (source.openWithFlags(Database::ReadOnly | Database::OneThread) && source.setKey(dbkey)
+        && source.executeStatements(QStringLiteral("PRAGMA cache_size=16"))) {
         return PlaceListing::read(source, error);
     }
     error = source.lastErrorMessage();

@@ -28,8 +28,9 @@ constexpr int rounds = 64000;
 std::mutex cacheMutex;
 QHash<QByteArray, QByteArray> cache; // passphrase + salt -> hex of the derived key
 std::atomic<int> derivations{0};
+}
 
-std::optional<QByteArray> saltOf(const QString &path)
+std::optional<QByteArray> DerivedKeys::saltOf(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -38,7 +39,6 @@ std::optional<QByteArray> saltOf(const QString &path)
     if (salt.size() != saltSize)
         return std::nullopt;
     return salt;
-}
 }
 
 QString DerivedKeys::keyStatement(const QString &path, const QString &passphrase)

@@ -15,6 +15,10 @@ namespace DerivedKeys {
 // file carries a salt, else the passphrase itself (a file still to be created).
 QString keyStatement(const QString &path, const QString &passphrase);
 
+// The 16 random bytes a ciphered file begins with, which its key is derived over; none when the
+// file is shorter or cannot be read.
+std::optional<QByteArray> saltOf(const QString &path);
+
 // How many derivations this process has run: the expensive part of opening a ciphered file.
 int derivationCount();
 

@@ -7,6 +7,7 @@
 
 ResultSet::ResultSet(sqlite3_stmt *statement)
     : m_statement(statement)
+    , m_columnCount(statement ? sqlite3_column_count(statement) : 0)
 {
 }
 
@@ -14,6 +15,7 @@ ResultSet::~ResultSet() { close(); }
 
 ResultSet::ResultSet(ResultSet &&other) noexcept
     : m_statement(std::exchange(other.m_statement, nullptr))
+    , m_columnCount(std::exchange(other.m_columnCount, 0))
     , m_columns(std::move(other.m_columns))
     , m_failed(other.m_failed)
     , m_error(std::move(other.m_error))
@@ -25,6 +27,7 @@ ResultSet &ResultSet::operator=(ResultSet &&other) noexcept
     if (this != &other) {
         close();
         m_statement = std::exchange(other.m_statement, nullptr);
+        m_columnCount = std::exchange(other.m_columnCount, 0);
         m_columns = std::move(other.m_columns);
         m_failed = other.m_failed;
         m_error = std::move(other.m_error);
@@ -37,6 +40,7 @@ void ResultSet::close()
     if (m_statement) {
         sqlite3_finalize(m_statement);
         m_statement = nullptr;
+        m_columnCount = 0;
     }
 }
 
@@ -54,15 +58,12 @@ bool ResultSet::next()
     return false;
 }
 
-int ResultSet::columnCount() const { return m_statement ? sqlite3_column_count(m_statement) : 0; }
-
 int ResultSet::columnIndex(const QString &name) const
 {
     if (!m_statement)
         return -1;
     if (m_columns.isEmpty()) {
-        const int count = sqlite3_column_count(m_statement);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < m_columnCount; ++i)
             m_columns.insert(QString::fromUtf8(sqlite3_column_name(m_statement, i)).toLower(), i);
     }
     return m_columns.value(name.toLower(), -1);
@@ -70,23 +71,16 @@ int ResultSet::columnIndex(const QString &name) const
 
 bool ResultSet::columnIsNull(int column) const
 {
-    return column < 0 || column >= columnCount() || sqlite3_column_type(m_statement, column) == SQLITE_NULL;
+    return !hasColumn(column) || sqlite3_column_type(m_statement, column) == SQLITE_NULL;
 }
 
-int ResultSet::intForColumn(int column) const
-{
-    return columnIsNull(column) ? 0 : sqlite3_column_int(m_statement, column);
-}
+// SQLite reads a NULL as 0 itself: the numbers need no look at the type first, which the
+// catalogue's reads of a hundred thousand rows would pay at every one.
+int ResultSet::intForColumn(int column) const { return hasColumn(column) ? sqlite3_column_int(m_statement, column) : 0; }
 
-qint64 ResultSet::longForColumn(int column) const
-{
-    return columnIsNull(column) ? 0 : sqlite3_column_int64(m_statement, column);
-}
+qint64 ResultSet::longForColumn(int column) const { return hasColumn(column) ? sqlite3_column_int64(m_statement, column) : 0; }
 
-double ResultSet::doubleForColumn(int column) const
-{
-    return columnIsNull(column) ? 0.0 : sqlite3_column_double(m_statement, column);
-}
+double ResultSet::doubleForColumn(int column) const { return hasColumn(column) ? sqlite3_column_double(m_statement, column) : 0.0; }
 
 QString ResultSet::stringForColumn(int column) const
 {

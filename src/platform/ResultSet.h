@@ -27,7 +27,7 @@ public:
     QString errorMessage() const { return m_error; }
     void close();
 
-    int columnCount() const;
+    int columnCount() const { return m_columnCount; }
     int columnIndex(const QString &name) const;
     bool columnIsNull(int column) const;
     bool columnIsNull(const QString &name) const { return columnIsNull(columnIndex(name)); }
@@ -49,7 +49,10 @@ public:
     QByteArray dataForColumn(const QString &name) const { return dataForColumn(columnIndex(name)); }
 
 private:
+    bool hasColumn(int column) const { return column >= 0 && column < m_columnCount; }
+
     sqlite3_stmt *m_statement = nullptr;
+    int m_columnCount = 0;
     mutable QHash<QString, int> m_columns;
     bool m_failed = false;
     QString m_error;

@@ -1,5 +1,6 @@
 #include "platform/Notifications.h"
 #include "catalogue/LoadRestaurantsOperation.h"
+#include "catalogue/PlaceMunicipalities.h"
 #include "fixtures/TestHome.h"
 #include "platform/NotificationCenter.h"
 
@@ -49,6 +50,22 @@ TEST(CatalogueLoad, GeographyIsLoadedIntoProvinces)
     EXPECT_EQ(restaurants.provinceOfMunicipality(20), 2);
     EXPECT_FALSE(restaurants.provinceOfRestaurant(103));
     EXPECT_EQ(restaurants.databaseVersionString(), QStringLiteral("1.20170101"));
+}
+
+// Catches: a place named twice keeping its first municipality, a newer catalogue's word not
+// replacing an older one's, the places only an older catalogue named being lost, and places
+// given out of order being looked up as if they were in order.
+TEST(CatalogueLoad, PlaceMunicipalitiesTakeTheLaterWord)
+{
+    PlaceMunicipalities places;
+    EXPECT_FALSE(places.of(1));
+    places.overlay({{9, 90}, {3, 30}, {7, 70}, {3, 31}, {1, 10}});
+    places.overlay({{7, 71}, {2, 20}, {11, 110}, {2, 21}});
+    const std::vector<std::pair<int, std::optional<int>>> expected{
+        {1, 10}, {2, 21}, {3, 31}, {4, std::nullopt}, {7, 71}, {9, 90}, {11, 110}, {12, std::nullopt}, {0, std::nullopt}};
+    for (const auto &[place, municipality] : expected)
+        EXPECT_EQ(places.of(place), municipality) << place;
+    EXPECT_EQ(places.size(), 6u) << "one entry a place";
 }
 
 // Catches: cuisines being merged across non-adjacent rows; each new run of a place's rows starts
