@@ -5,10 +5,12 @@
 #include "catalogue/SearchTerms.h"
 #include "platform/Database.h"
 
+#include <QSet>
 #include <QtEndian>
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 #include <numeric>
 #include <optional>
 
@@ -208,7 +210,7 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
     std::vector<int> letterOfSlot(size_t(letterSlots.size()));
     for (int slotIndex = 0; slotIndex < int(letterSlots.size()); ++slotIndex)
         letterOfSlot[size_t(slotIndex)] = int(std::lower_bound(distinct.begin(), distinct.end(), letterSlots.at(slotIndex)) - distinct.begin());
-    listing->m_letters = distinct;
+    listing->setLetters(distinct);
     listing->m_byRank.reserve(order.size());
     for (int rank = 0; rank < int(order.size()); ++rank) {
         Place &place = listing->m_places[size_t(order[size_t(rank)].index)];
@@ -217,6 +219,24 @@ std::shared_ptr<const PlaceListing> PlaceListing::read(Database &db, QString &er
         listing->m_byRank.push_back({place.id, place.letter});
     }
     return listing;
+}
+
+void PlaceListing::setLetters(const QStringList &letters)
+{
+    // Every entry of a list carries its letter; a string with a count of its own would cost
+    // each entry an atomic step when made and another when freed, tens of thousands a keystroke.
+    // The letters are kept once for the life of the process (a few dozen of them, whatever the
+    // catalogues), and the listing's are views of those, which copy without counting and can
+    // outlive the listing in any list made from it.
+    static std::mutex mutex;
+    static auto *const kept = new QSet<QString>; // never freed: lists made from it outlive statics
+    std::lock_guard lock(mutex);
+    m_letters.clear();
+    m_letters.reserve(letters.size());
+    for (const QString &letter : letters) {
+        const QString &permanent = *kept->insert(letter);
+        m_letters.append(QString::fromRawData(permanent.constData(), permanent.size()));
+    }
 }
 
 void PlaceListing::indexPositions()

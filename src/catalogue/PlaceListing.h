@@ -63,6 +63,8 @@ private:
     int positionOf(int id) const;
     // Makes the lookup from place id to position.
     void indexPositions();
+    // Takes `letters` as the section letters (see the definition for how they are kept).
+    void setLetters(const QStringList &letters);
     // A place's folded name and address, once folded.
     QStringView foldedName(size_t position) const;
     QStringView foldedAddress(size_t position) const;

@@ -180,8 +180,10 @@ std::shared_ptr<const PlaceListing> PlaceListing::load(const QString &file, cons
         || !spansText(listing->m_nameOffsets, count, listing->m_names.size())
         || !spansText(listing->m_readAddressOffsets, count, listing->m_readAddresses.size()))
         return nullptr;
+    QStringList letterList;
     for (size_t i = 0; i + 1 < letterOffsets.size(); ++i)
-        listing->m_letters.append(letterText.mid(letterOffsets[i], letterOffsets[i + 1] - letterOffsets[i]));
+        letterList.append(letterText.mid(letterOffsets[i], letterOffsets[i + 1] - letterOffsets[i]));
+    listing->setLetters(letterList);
 
     // Ranks are a numbering of the ranked places: each once, none missing.
     const qint64 letters = listing->m_letters.size();
